@@ -1,0 +1,35 @@
+// mrvk: the house-rental management system's executable.
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "app/commands.h"
+#include "app/schedule_command.h"
+
+namespace {
+
+constexpr const char* kUsage =
+    "usage: mrvk <command> [options]\n"
+    "commands:\n"
+    "  init-db [--database URL]   create or upgrade the database schema\n"
+    "  drive                      the screen protocol on stdin/stdout (JSON lines)\n"
+    "  schedule --start D --end D --months M --period T [--arrears] [--json]\n"
+    "                             preview the collection periods of one fee term\n"
+    "database URLs: sqlite:///path/file.sqlite3, sqlite:// (in memory), postgresql://...\n";
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> args(argv + 1, argv + argc);
+  if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
+    std::cout << kUsage;
+    return args.empty() ? 2 : 0;
+  }
+  const std::string command = args[0];
+  args.erase(args.begin());
+  if (command == "init-db") return mrvk_app::RunInitDb(args, std::cout, std::cerr);
+  if (command == "drive") return mrvk_app::RunDrive(args, std::cin, std::cout, std::cerr);
+  if (command == "schedule") return RunScheduleCommand(args, std::cout, std::cerr);
+  std::cerr << "mrvk: unknown command \"" << command << "\"\n" << kUsage;
+  return 2;
+}

@@ -1,0 +1,481 @@
+#include "kvhost/db/sql_rewriter.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <map>
+#include <optional>
+#include <unordered_map>
+
+#include "mrvk/frame/vb.h"
+
+namespace kvhost::db {
+namespace {
+
+enum class Tok { Space, Word, Number, String, Punct };
+
+struct Token {
+  Token(Tok k, std::string t) : kind(k), text(std::move(t)) {}
+  Tok kind;
+  std::string text;     // Word: the name; Number: digits; String: the value, unquoted; Punct
+  bool is_date = false;  // a String that came from a #date# literal
+  bool removed = false;
+  std::string suffix;   // text emitted after the token (e.g. a LIMIT clause)
+  int param = -1;       // index into params when the literal was lifted
+};
+
+std::string Lower(std::string_view s) {
+  std::string out(s);
+  for (char& c : out) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return out;
+}
+
+bool IsWordStart(unsigned char c) { return std::isalpha(c) || c == '_' || c >= 0x80; }
+bool IsWordChar(unsigned char c) { return std::isalnum(c) || c == '_' || c >= 0x80 || c == '$'; }
+
+// Jet accepts #yyyy-mm-dd#, #yyyy/m/d# and the US form #m/d/yyyy#.
+std::optional<std::string> NormalizeJetDate(std::string_view text) {
+  if (auto d = mrvk::ParseDate(text)) return d->ToText();
+  const std::string t = mrvk::Trim(text);
+  int m = 0, d = 0, y = 0;
+  char tail = 0;
+  if (std::sscanf(t.c_str(), "%d/%d/%d%c", &m, &d, &y, &tail) == 3 && y >= 1000 &&
+      mrvk::IsValidDate(y, m, d)) {
+    return mrvk::Date::FromYmd(y, m, d).ToText();
+  }
+  return std::nullopt;
+}
+
+bool Tokenize(std::string_view sql, std::vector<Token>& out, std::string& error) {
+  size_t i = 0;
+  const size_t n = sql.size();
+  while (i < n) {
+    const unsigned char c = static_cast<unsigned char>(sql[i]);
+    if (c == ' ' || c == '\t' || c == '\r' || c == '\n') {
+      size_t j = i;
+      while (j < n && (sql[j] == ' ' || sql[j] == '\t' || sql[j] == '\r' || sql[j] == '\n')) ++j;
+      out.emplace_back(Tok::Space, std::string(sql.substr(i, j - i)));
+      i = j;
+    } else if (c == '\'' || c == '"') {
+      const char q = static_cast<char>(c);
+      std::string value;
+      size_t j = i + 1;
+      bool closed = false;
+      while (j < n) {
+        if (sql[j] == q) {
+          if (j + 1 < n && sql[j + 1] == q) {
+            value.push_back(q);
+            j += 2;
+            continue;
+          }
+          closed = true;
+          ++j;
+          break;
+        }
+        value.push_back(sql[j++]);
+      }
+      if (!closed) {
+        error = "unterminated text literal";
+        return false;
+      }
+      out.emplace_back(Tok::String, std::move(value));
+      i = j;
+    } else if (c == '#') {
+      const size_t close = sql.find('#', i + 1);
+      if (close == std::string_view::npos) {
+        error = "unterminated date literal";
+        return false;
+      }
+      const std::string_view raw = sql.substr(i + 1, close - i - 1);
+      auto date = NormalizeJetDate(raw);
+      if (!date) {
+        error = "not a date: #" + std::string(raw) + "#";
+        return false;
+      }
+      Token t{Tok::String, *date};
+      t.is_date = true;
+      out.push_back(std::move(t));
+      i = close + 1;
+    } else if (c == '[') {
+      const size_t close = sql.find(']', i + 1);
+      if (close == std::string_view::npos) {
+        error = "unterminated bracketed name";
+        return false;
+      }
+      const std::string_view name = sql.substr(i + 1, close - i - 1);
+      if (name.empty() || !IsWordStart(static_cast<unsigned char>(name[0])) ||
+          !std::all_of(name.begin(), name.end(),
+                       [](char ch) { return IsWordChar(static_cast<unsigned char>(ch)); })) {
+        error = "bracketed name not supported: [" + std::string(name) + "]";
+        return false;
+      }
+      out.emplace_back(Tok::Word, std::string(name));
+      i = close + 1;
+    } else if (std::isdigit(c) ||
+               (c == '.' && i + 1 < n && std::isdigit(static_cast<unsigned char>(sql[i + 1])))) {
+      size_t j = i;
+      while (j < n && std::isdigit(static_cast<unsigned char>(sql[j]))) ++j;
+      if (j < n && sql[j] == '.') {
+        ++j;
+        while (j < n && std::isdigit(static_cast<unsigned char>(sql[j]))) ++j;
+      }
+      if (j < n && (sql[j] == 'e' || sql[j] == 'E')) {
+        size_t k = j + 1;
+        if (k < n && (sql[k] == '+' || sql[k] == '-')) ++k;
+        if (k < n && std::isdigit(static_cast<unsigned char>(sql[k]))) {
+          while (k < n && std::isdigit(static_cast<unsigned char>(sql[k]))) ++k;
+          j = k;
+        }
+      }
+      if (j < n && IsWordStart(static_cast<unsigned char>(sql[j]))) {
+        error = "malformed number near \"" + std::string(sql.substr(i, j - i + 1)) + "\"";
+        return false;
+      }
+      out.emplace_back(Tok::Number, std::string(sql.substr(i, j - i)));
+      i = j;
+    } else if (IsWordStart(c)) {
+      size_t j = i;
+      while (j < n && IsWordChar(static_cast<unsigned char>(sql[j]))) ++j;
+      out.emplace_back(Tok::Word, std::string(sql.substr(i, j - i)));
+      i = j;
+    } else {
+      if ((c == '-' && i + 1 < n && sql[i + 1] == '-') ||
+          (c == '/' && i + 1 < n && sql[i + 1] == '*')) {
+        error = "comments are not accepted in a statement";
+        return false;
+      }
+      static const std::string_view kTwo[] = {"<=", ">=", "<>", "!=", "||"};
+      std::string op;
+      for (auto two : kTwo) {
+        if (sql.substr(i, 2) == two) op = two;
+      }
+      if (op.empty()) {
+        if (std::string_view("(),.=<>+-*/%&;").find(static_cast<char>(c)) ==
+            std::string_view::npos) {
+          error = std::string("unexpected character '") + static_cast<char>(c) + "'";
+          return false;
+        }
+        op = std::string(1, static_cast<char>(c));
+      }
+      out.emplace_back(Tok::Punct, op);
+      i += op.size();
+    }
+  }
+  return true;
+}
+
+bool IsComparison(const std::string& p) {
+  return p == "=" || p == "<>" || p == "!=" || p == "<" || p == ">" || p == "<=" || p == ">=";
+}
+
+bool IsArithmetic(const Token& t) {
+  return t.kind == Tok::Punct &&
+         (t.text == "+" || t.text == "-" || t.text == "*" || t.text == "/" || t.text == "%" ||
+          t.text == "&" || t.text == "||");
+}
+
+std::string QuoteText(const std::string& value) {
+  std::string out = "'";
+  for (char c : value) {
+    out.push_back(c);
+    if (c == '\'') out.push_back('\'');
+  }
+  out.push_back('\'');
+  return out;
+}
+
+}  // namespace
+
+ColumnTypeLookup SchemaColumnTypes() {
+  // name -> type, or nullopt when the name has different types in different tables.
+  auto types = std::make_shared<std::unordered_map<std::string, std::optional<ColType>>>();
+  for (const TableDef& table : Tables()) {
+    for (const ColumnDef& col : table.columns) {
+      const std::string key = Lower(col.name);
+      auto it = types->find(key);
+      if (it == types->end()) {
+        types->emplace(key, col.type);
+      } else if (it->second && *it->second != col.type) {
+        // Long and Flag are both whole numbers; anything else conflicting is unknown.
+        const bool both_whole = (*it->second == ColType::Long || *it->second == ColType::Flag) &&
+                                (col.type == ColType::Long || col.type == ColType::Flag);
+        const bool both_text = (*it->second == ColType::Text || *it->second == ColType::Memo) &&
+                               (col.type == ColType::Text || col.type == ColType::Memo);
+        if (!both_whole && !both_text) it->second = std::nullopt;
+      }
+    }
+  }
+  return [types](std::string_view name) -> std::optional<ColType> {
+    auto it = types->find(Lower(name));
+    if (it == types->end()) return std::nullopt;
+    return it->second;
+  };
+}
+
+SqlRewriter::SqlRewriter(Dialect dialect, ColumnTypeLookup column_types)
+    : dialect_(dialect), column_types_(std::move(column_types)) {}
+
+bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& error) const {
+  out = RewrittenSql{};
+  std::vector<Token> toks;
+  if (!Tokenize(sql, toks, error)) return false;
+
+  // The non-blank tokens, by position in toks.
+  std::vector<size_t> idx;
+  for (size_t i = 0; i < toks.size(); ++i) {
+    if (toks[i].kind != Tok::Space) idx.push_back(i);
+  }
+  // A trailing ";" is dropped; anything after a ";" is a second statement and refused.
+  for (size_t k = 0; k < idx.size(); ++k) {
+    Token& t = toks[idx[k]];
+    if (t.kind == Tok::Punct && t.text == ";") {
+      if (k + 1 != idx.size()) {
+        error = "only one statement at a time is accepted";
+        return false;
+      }
+      t.removed = true;
+      idx.pop_back();
+      break;
+    }
+  }
+  if (idx.empty()) {
+    error = "empty statement";
+    return false;
+  }
+  auto tok = [&](size_t k) -> Token& { return toks[idx[k]]; };
+  auto word_is = [&](size_t k, const char* w) {
+    return k < idx.size() && tok(k).kind == Tok::Word && Lower(tok(k).text) == w;
+  };
+  auto punct_is = [&](size_t k, const char* p) {
+    return k < idx.size() && tok(k).kind == Tok::Punct && tok(k).text == p;
+  };
+  auto column_type = [&](size_t k) -> std::optional<ColType> {
+    if (k >= idx.size() || tok(k).kind != Tok::Word || !column_types_) return std::nullopt;
+    return column_types_(tok(k).text);
+  };
+
+  {
+    size_t first = 0;
+    while (punct_is(first, "(")) ++first;
+    out.is_select = word_is(first, "select");
+  }
+
+  // Pass 1: structure. `top n` becomes a LIMIT at the end of its select's scope; a UNION in
+  // that scope would make the LIMIT cover the whole compound, so it is refused.
+  struct Scope {
+    std::string limit;  // the LIMIT of a `top n` met in this scope
+  };
+  std::vector<Scope> scopes(1);
+  // Insert column lists, to know the column of each VALUES entry.
+  std::vector<std::string> insert_columns;
+  bool in_insert_columns = false;
+  for (size_t k = 0; k < idx.size(); ++k) {
+    Token& t = tok(k);
+    if (t.kind == Tok::Punct && t.text == "(") {
+      Scope s;
+      in_insert_columns = k >= 2 && word_is(k - 2, "into") && tok(k - 1).kind == Tok::Word &&
+                          scopes.size() == 1;
+      if (in_insert_columns) insert_columns.clear();
+      scopes.push_back(s);
+      continue;
+    }
+    if (t.kind == Tok::Punct && t.text == ")") {
+      if (scopes.size() == 1) {
+        error = "unbalanced parentheses";
+        return false;
+      }
+      if (!scopes.back().limit.empty()) tok(k - 1).suffix += " LIMIT " + scopes.back().limit;
+      scopes.pop_back();
+      in_insert_columns = false;
+      continue;
+    }
+    if (in_insert_columns && t.kind == Tok::Word && scopes.size() == 2) {
+      insert_columns.push_back(t.text);
+    }
+    if (t.kind == Tok::Word && Lower(t.text) == "top") {
+      size_t before = k - 1;
+      if (k > 0 && (word_is(before, "distinct") || word_is(before, "all")) && before > 0) --before;
+      if (k > 0 && word_is(before, "select")) {
+        if (k + 1 >= idx.size() || tok(k + 1).kind != Tok::Number ||
+            tok(k + 1).text.find_first_not_of("0123456789") != std::string::npos) {
+          error = "top must be followed by a whole number";
+          return false;
+        }
+        if (word_is(k + 2, "percent")) {
+          error = "top ... percent is not supported";
+          return false;
+        }
+        scopes.back().limit = tok(k + 1).text;
+        t.removed = true;
+        tok(k + 1).removed = true;
+        // Drop the blank after the number too.
+        if (idx[k + 1] + 1 < toks.size() && toks[idx[k + 1] + 1].kind == Tok::Space)
+          toks[idx[k + 1] + 1].removed = true;
+        ++k;
+        continue;
+      }
+    }
+    if (t.kind == Tok::Word && Lower(t.text) == "union" && !scopes.back().limit.empty()) {
+      error = "top in a select joined by union is not supported";
+      return false;
+    }
+  }
+  if (scopes.size() != 1) {
+    error = "unbalanced parentheses";
+    return false;
+  }
+  if (!scopes.back().limit.empty()) tok(idx.size() - 1).suffix += " LIMIT " + scopes.back().limit;
+
+  // Pass 2: operators, functions and literals.
+  int depth_values = -1;  // depth of the VALUES list being read
+  int depth = 0;
+  int values_entry = 0;
+  for (size_t k = 0; k < idx.size(); ++k) {
+    Token& t = tok(k);
+    if (t.removed) continue;
+    if (t.kind == Tok::Punct) {
+      if (t.text == "(") {
+        ++depth;
+        if (k > 0 && word_is(k - 1, "values")) {
+          depth_values = depth;
+          values_entry = 0;
+        }
+      } else if (t.text == ")") {
+        if (depth == depth_values) depth_values = -1;
+        --depth;
+      } else if (t.text == "," && depth == depth_values) {
+        ++values_entry;
+      } else if (t.text == "&") {
+        t.text = "||";
+      } else if (t.text == "+") {
+        auto texty = [&](size_t j) {
+          if (j >= idx.size()) return false;
+          const Token& o = tok(j);
+          if (o.kind == Tok::String) return !o.is_date;
+          auto type = column_type(j);
+          return type && (*type == ColType::Text || *type == ColType::Memo);
+        };
+        if ((k > 0 && texty(k - 1)) || texty(k + 1)) t.text = "||";
+      }
+      continue;
+    }
+    if (t.kind == Tok::Word) {
+      const std::string w = Lower(t.text);
+      if (dialect_ == Dialect::Postgres) {
+        if (w == "like") t.text = "ilike";  // Jet compares without regard to case
+        if (w == "date" && punct_is(k + 1, "(") && punct_is(k + 2, ")")) {
+          t.text = "current_date";
+          tok(k + 1).removed = tok(k + 2).removed = true;
+        }
+        if (w == "now" && punct_is(k + 1, "(") && punct_is(k + 2, ")")) {
+          t.text = "localtimestamp";
+          tok(k + 1).removed = tok(k + 2).removed = true;
+        }
+      }
+      continue;
+    }
+    // A literal: lift it into a parameter where its type is fixed by its place: the right
+    // side of a comparison with a column, or a whole entry of a VALUES list.
+    std::string sign;
+    bool negative_number = false;
+    if (t.kind == Tok::Number && k > 0 && punct_is(k - 1, "-") && k > 1 &&
+        (tok(k - 2).kind == Tok::Punct &&
+         (IsComparison(tok(k - 2).text) || tok(k - 2).text == "(" || tok(k - 2).text == ","))) {
+      negative_number = true;
+      sign = "-";
+    }
+    const size_t op_pos = negative_number ? k - 2 : k - 1;
+    std::optional<ColType> target;
+    std::string target_name;
+    bool liftable = false;
+    bool like = false;
+    const bool next_ok =
+        !(k + 1 < idx.size() && (IsArithmetic(tok(k + 1)) || punct_is(k + 1, ".")));
+    if (k > 0 && next_ok) {
+      const Token& op = tok(op_pos);
+      like = op.kind == Tok::Word && (Lower(op.text) == "like" || Lower(op.text) == "ilike");
+      const bool cmp = (op.kind == Tok::Punct && IsComparison(op.text)) || like;
+      if (cmp && op_pos > 0 && tok(op_pos - 1).kind == Tok::Word) {
+        liftable = true;
+        target_name = tok(op_pos - 1).text;
+        target = column_type(op_pos - 1);
+      } else if (depth == depth_values && op.kind == Tok::Punct &&
+                 (op.text == "(" || op.text == ",") &&
+                 (punct_is(k + 1, ",") || punct_is(k + 1, ")"))) {
+        liftable = true;
+        if (values_entry < static_cast<int>(insert_columns.size()) && column_types_) {
+          target_name = insert_columns[static_cast<size_t>(values_entry)];
+          target = column_types_(target_name);
+        }
+      }
+    }
+    if (!liftable) continue;  // stays in the text as it stands (texts re-quoted on output)
+    SqlParam param;
+    if (t.kind == Tok::Number) {
+      param.text = sign + t.text;
+      param.kind = t.text.find_first_of(".eE") == std::string::npos && t.text.size() < 18
+                       ? SqlParam::Kind::Integer
+                       : SqlParam::Kind::Real;
+    } else {
+      param.text = t.text;
+      param.kind = SqlParam::Kind::Text;
+    }
+    // A value bound for a date column must be a real date; for a numeric column a number.
+    if (target && !like) {
+      if (*target == ColType::Date) {
+        auto d = param.kind == SqlParam::Kind::Text ? mrvk::ParseDate(param.text) : std::nullopt;
+        if (!d) {
+          error = "not a date for column " + target_name + ": '" + param.text + "'";
+          return false;
+        }
+        param.text = d->ToText();
+      } else if ((*target == ColType::Long || *target == ColType::Flag ||
+                  *target == ColType::Double) &&
+                 param.kind == SqlParam::Kind::Text) {
+        // A quoted number is taken as the number; any other text is refused.
+        const std::string trimmed = mrvk::Trim(param.text);
+        char* end = nullptr;
+        std::strtod(trimmed.c_str(), &end);
+        if (trimmed.empty() || end != trimmed.c_str() + trimmed.size()) {
+          error = "not a number for column " + target_name + ": '" + param.text + "'";
+          return false;
+        }
+        param.text = trimmed;
+        param.kind = trimmed.find_first_of(".eE") == std::string::npos ? SqlParam::Kind::Integer
+                                                                      : SqlParam::Kind::Real;
+      }
+    }
+    t.param = static_cast<int>(out.params.size());
+    out.params.push_back(std::move(param));
+    if (negative_number) tok(k - 1).removed = true;
+  }
+
+  // Emit.
+  std::string& s = out.sql;
+  s.reserve(sql.size() + 16);
+  int param_no = 0;
+  for (const Token& t : toks) {
+    if (t.removed) {
+      s += t.suffix;
+      continue;
+    }
+    if (t.param >= 0) {
+      if (dialect_ == Dialect::Sqlite) {
+        s += '?';
+      } else {
+        s += '$';
+        s += std::to_string(++param_no);
+      }
+    } else if (t.kind == Tok::String) {
+      s += QuoteText(t.text);
+    } else {
+      s += t.text;
+    }
+    s += t.suffix;
+  }
+  return true;
+}
+
+}  // namespace kvhost::db

@@ -1,0 +1,314 @@
+#include "kvhost/host.h"
+
+#include <ctime>
+#include <functional>
+
+#include "kvhost/db/schema_builder.h"
+#include "kvhost/host_context.h"
+#include "mrvk/registry.h"
+
+namespace kvhost {
+namespace {
+
+mrvk::Date Today() {
+  const std::time_t t = std::time(nullptr);
+  std::tm tm{};
+  localtime_r(&t, &tm);
+  return mrvk::Date::FromYmd(tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday);
+}
+
+// Sets the thread's UI port for the length of one call into the module.
+class UiPortScope {
+ public:
+  explicit UiPortScope(mrvk::IUiPort* port) : saved_(mrvk::CurrentUiPort()) {
+    mrvk::SetCurrentUiPort(port);
+  }
+  ~UiPortScope() { mrvk::SetCurrentUiPort(saved_); }
+
+ private:
+  mrvk::IUiPort* saved_;
+};
+
+}  // namespace
+
+int ScriptedUi::MsgBox(const std::string& prompt, int flags, const std::string& title) {
+  shown.push_back({"msgbox", prompt, flags, title});
+  if (answers.empty()) throw UnscriptedBox("unscripted message box: " + prompt);
+  const int a = answers.front();
+  answers.pop_front();
+  return a;
+}
+
+std::optional<std::string> ScriptedUi::InputBox(const std::string& prompt,
+                                                const std::string& title,
+                                                const std::string& default_text) {
+  shown.push_back({"inputbox", prompt, 0, title});
+  (void)default_text;
+  if (inputs.empty()) throw UnscriptedBox("unscripted input box: " + prompt);
+  auto a = inputs.front();
+  inputs.pop_front();
+  return a;
+}
+
+Host::Host(HostConfig config) : config_(std::move(config)), status_(Status::Ok()) {
+  mrvk::Date login = Today();
+  if (!config_.login_date.empty()) {
+    auto d = mrvk::ParseDate(config_.login_date);
+    if (!d) {
+      status_ = Status::Error("login date is not a date: \"" + config_.login_date + "\"");
+      return;
+    }
+    login = *d;
+  }
+  std::string error;
+  database_ = db::OpenDatabase(config_.database, error);
+  if (!database_) {
+    status_ = Status::Error(error);
+    return;
+  }
+  context_ = std::make_unique<HostContext>(*database_, options_, config_.user, config_.app_path,
+                                           login);
+}
+
+Host::~Host() {
+  // Screens still open are closed in the documented way.
+  while (!screens_.empty()) close(screens_.begin()->first);
+}
+
+Status Host::create_schema() {
+  if (!status_.ok()) return status_;
+  return db::CreateSchema(database_->connection());
+}
+
+Status Host::guard_call(const std::string& what, const std::function<void()>& fn) {
+  UiPortScope scope(ui_port_);
+  try {
+    fn();
+    return Status::Ok();
+  } catch (const mrvk::VbError& e) {
+    return Status::Error(what + ": run-time failure " + std::to_string(e.Number()) + ": " +
+                         e.Description());
+  } catch (const UnscriptedBox& e) {
+    return Status::Error(what + ": " + e.what());
+  } catch (const std::exception& e) {
+    return Status::Error(what + ": " + e.what());
+  }
+}
+
+Screen* Host::open(const std::string& class_name, int32_t progID, int32_t record) {
+  last_error_.clear();
+  if (!status_.ok()) {
+    last_error_ = status_.message();
+    return nullptr;
+  }
+  std::string error;
+  auto object = mrvk::CreateObject(class_name, error);
+  if (!object) {
+    last_error_ = error;
+    return nullptr;
+  }
+  auto screen = std::make_unique<Screen>();
+  screen->id = ++next_screen_;
+  screen->class_name = class_name;
+  screen->progID = progID;
+  screen->record = record;
+  const int id = screen->id;
+  object->AttachSink([this, id](const mrvk::Event& e) { events_.push_back({id, e}); });
+  screen->object = std::move(object);
+  bool initialised = false;
+  Status s = guarded(class_name + ".Init", [&] {
+    if (auto* form = screen->form()) {
+      initialised = form->Init(*context_, progID, record);
+      if (initialised) form->Refresh();
+      if (initialised) form->DoGetFormStatus();
+    } else if (auto* report = screen->report()) {
+      initialised = report->Init(*context_, progID);
+      if (initialised) report->Refresh();
+      if (initialised) report->DoGetFormStatus();
+    } else {
+      error = "class \"" + class_name + "\" has no screen: run it as a tool";
+    }
+  });
+  if (!s.ok() || !initialised) {
+    last_error_ = !s.ok() ? s.message()
+                          : (!error.empty() ? error : class_name + ".Init refused to open");
+    return nullptr;
+  }
+  Screen* raw = screen.get();
+  screens_.emplace(id, std::move(screen));
+  return raw;
+}
+
+Status Host::close(int screen_id) {
+  auto it = screens_.find(screen_id);
+  if (it == screens_.end()) return Status::Error("no open screen " + std::to_string(screen_id));
+  Screen& sc = *it->second;
+  Status s = guarded(sc.class_name + ".Clear", [&] {
+    if (auto* form = sc.form()) {
+      form->DoSaveFormStatus();
+      form->Clear();
+    } else if (auto* report = sc.report()) {
+      report->DoSaveFormStatus();
+      report->Clear();
+    }
+  });
+  screens_.erase(it);
+  return s;
+}
+
+Screen* Host::screen(int screen_id) {
+  auto it = screens_.find(screen_id);
+  return it == screens_.end() ? nullptr : it->second.get();
+}
+
+std::vector<int> Host::screen_ids() const {
+  std::vector<int> ids;
+  for (const auto& [id, s] : screens_) ids.push_back(id);
+  return ids;
+}
+
+Status Host::run_tool(const std::string& class_name, int32_t progID, int32_t record,
+                      int32_t action, bool& result) {
+  result = false;
+  if (!status_.ok()) return status_;
+  std::string error;
+  auto object = mrvk::CreateObject(class_name, error);
+  if (!object) return Status::Error(error);
+  auto* tool = dynamic_cast<mrvk::IToolUI*>(object.get());
+  if (!tool) return Status::Error("class \"" + class_name + "\" is not a tool");
+  object->AttachSink([this](const mrvk::Event& e) { events_.push_back({0, e}); });
+  return guarded(class_name + ".Action", [&] {
+    int32_t p = progID, r = record;
+    if (tool->Init(*context_, p, r)) result = tool->Action(action);
+    tool->Clear();
+  });
+}
+
+std::vector<HostEvent> Host::take_events() {
+  std::vector<HostEvent> out;
+  out.swap(events_);
+  return out;
+}
+
+namespace {
+
+using Args = std::vector<mrvk::Variant>;
+
+struct FormOp {
+  size_t arity;
+  std::function<mrvk::Variant(mrvk::IFormUI&, const Args&)> run;
+};
+
+const std::map<std::string, FormOp>& FormOps() {
+  using F = mrvk::IFormUI;
+  auto op0 = [](bool (F::*m)()) {
+    return FormOp{0, [m](F& f, const Args&) { return mrvk::Variant((f.*m)()); }};
+  };
+  static const std::map<std::string, FormOp> ops = {
+      {"FileNew", op0(&F::FileNew)},
+      {"FileNewNext", op0(&F::FileNewNext)},
+      {"FileEdit", op0(&F::FileEdit)},
+      {"FileDelete", op0(&F::FileDelete)},
+      {"FileSave", op0(&F::FileSave)},
+      {"FileCancel", op0(&F::FileCancel)},
+      {"FindNext", op0(&F::FindNext)},
+      {"Refresh", op0(&F::Refresh)},
+      {"RecordTop", op0(&F::RecordTop)},
+      {"RecordPrevious", op0(&F::RecordPrevious)},
+      {"RecordNext", op0(&F::RecordNext)},
+      {"RecordBottom", op0(&F::RecordBottom)},
+      {"Check", op0(&F::Check)},
+      {"UnCheck", op0(&F::UnCheck)},
+      {"PrintPreview", op0(&F::PrintPreview)},
+      {"DoPrint", op0(&F::DoPrint)},
+      {"PrintSetup", op0(&F::PrintSetup)},
+      {"Help", op0(&F::Help)},
+      {"IsDirty", op0(&F::IsDirty)},
+      {"Find", {1, [](F& f, const Args& a) { return mrvk::Variant(f.Find(a[0])); }}},
+      {"Filter", {1, [](F& f, const Args& a) { return mrvk::Variant(f.Filter(a[0])); }}},
+      {"DoSetStatus",
+       {2, [](F& f, const Args& a) {
+          return mrvk::Variant(f.DoSetStatus(a[0].ToString(), a[1].ToDouble() != 0));
+        }}},
+      {"GetID", {0, [](F& f, const Args&) { return mrvk::Variant(f.GetID()); }}},
+      {"CheckStatus",
+       {1, [](F& f, const Args& a) { return mrvk::Variant(f.CheckStatus(a[0].ToString())); }}},
+      {"ReturnPrintName", {0, [](F& f, const Args&) { return mrvk::Variant(f.ReturnPrintName()); }}},
+      {"Attributes",
+       {1, [](F& f, const Args& a) { return mrvk::Variant(f.Attributes(a[0].ToLong())); }}},
+      {"DoGetFormStatus", {0, [](F& f, const Args&) { f.DoGetFormStatus(); return mrvk::Variant(); }}},
+      {"DoSaveFormStatus", {0, [](F& f, const Args&) { f.DoSaveFormStatus(); return mrvk::Variant(); }}},
+  };
+  return ops;
+}
+
+struct ReportOp {
+  size_t arity;
+  std::function<mrvk::Variant(mrvk::IReportUI&, const Args&)> run;
+};
+
+const std::map<std::string, ReportOp>& ReportOps() {
+  using R = mrvk::IReportUI;
+  auto op0 = [](bool (R::*m)()) {
+    return ReportOp{0, [m](R& r, const Args&) { return mrvk::Variant((r.*m)()); }};
+  };
+  static const std::map<std::string, ReportOp> ops = {
+      {"FindNext", op0(&R::FindNext)},
+      {"Refresh", op0(&R::Refresh)},
+      {"RecordTop", op0(&R::RecordTop)},
+      {"RecordPrevious", op0(&R::RecordPrevious)},
+      {"RecordNext", op0(&R::RecordNext)},
+      {"RecordBottom", op0(&R::RecordBottom)},
+      {"PrintPreview", op0(&R::PrintPreview)},
+      {"DoPrint", op0(&R::DoPrint)},
+      {"PrintSetup", op0(&R::PrintSetup)},
+      {"Help", op0(&R::Help)},
+      {"Find", {1, [](R& r, const Args& a) { return mrvk::Variant(r.Find(a[0])); }}},
+      {"Filter", {1, [](R& r, const Args& a) { return mrvk::Variant(r.Filter(a[0])); }}},
+      {"ReturnPrintName", {0, [](R& r, const Args&) { return mrvk::Variant(r.ReturnPrintName()); }}},
+      {"Attributes",
+       {1, [](R& r, const Args& a) { return mrvk::Variant(r.Attributes(a[0].ToLong())); }}},
+      {"DoGetFormStatus", {0, [](R& r, const Args&) { return mrvk::Variant(r.DoGetFormStatus()); }}},
+      {"DoSaveFormStatus", {0, [](R& r, const Args&) { return mrvk::Variant(r.DoSaveFormStatus()); }}},
+  };
+  return ops;
+}
+
+}  // namespace
+
+Status Host::invoke(Screen& screen, const std::string& method, const Args& args,
+                    mrvk::Variant& result) {
+  result = mrvk::Variant();
+  if (method == "Init" || method == "Clear")
+    return Status::Error(method + " is the host's own call: open and close the screen instead");
+  auto arity_error = [&](size_t want) {
+    return Status::Error(method + " takes " + std::to_string(want) + " argument" +
+                         (want == 1 ? "" : "s") + ", not " + std::to_string(args.size()));
+  };
+  if (auto* form = screen.form()) {
+    auto it = FormOps().find(method);
+    if (it != FormOps().end()) {
+      if (args.size() != it->second.arity) return arity_error(it->second.arity);
+      return guarded(screen.class_name + "." + method,
+                     [&] { result = it->second.run(*form, args); });
+    }
+  }
+  if (auto* report = screen.report()) {
+    auto it = ReportOps().find(method);
+    if (it != ReportOps().end()) {
+      if (args.size() != it->second.arity) return arity_error(it->second.arity);
+      return guarded(screen.class_name + "." + method,
+                     [&] { result = it->second.run(*report, args); });
+    }
+  }
+  if (method == "Action") {
+    auto* ft = screen.form_tool();
+    if (!ft) return Status::Error(screen.class_name + " has no form tools");
+    if (args.size() != 1) return arity_error(1);
+    return guarded(screen.class_name + ".Action",
+                   [&] { result = mrvk::Variant(ft->Action(args[0].ToString())); });
+  }
+  return Status::Error("unknown operation \"" + method + "\" for " + screen.class_name);
+}
+
+}  // namespace kvhost

@@ -1,0 +1,148 @@
+// The host: opens a database, creates the module's classes by name, drives them through
+// their interfaces in the documented call order, and collects the events they raise.
+// Everything a front end does (the screen protocol, the web client, tests) goes through here.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "kvhost/db/database.h"
+#include "kvhost/status.h"
+#include "mrvk/frame/host_contract.h"
+#include "mrvk/frame/vb.h"
+
+namespace kvhost {
+
+struct HostConfig {
+  std::string database = "sqlite://";  // see db::OpenConnection
+  std::string user = "admin";
+  std::string login_date;  // "yyyy-mm-dd"; empty for today
+  std::string app_path = ".";
+};
+
+// A modal box the module showed.
+struct ShownBox {
+  std::string kind;  // "msgbox" or "inputbox"
+  std::string prompt;
+  int flags = 0;
+  std::string title;
+};
+
+// Thrown by ScriptedUi when the module shows a box that the script did not answer: a test
+// that meets it has a wrong expectation, and the host turns it into an error answer.
+class UnscriptedBox : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The UI port of tests and batch jobs: answers come from queues filled in advance.
+class ScriptedUi : public mrvk::IUiPort {
+ public:
+  std::deque<int> answers;                         // message box answers, in order
+  std::deque<std::optional<std::string>> inputs;  // input box answers; nullopt = cancel
+  std::vector<ShownBox> shown;                     // every box shown, in order
+
+  int MsgBox(const std::string& prompt, int flags, const std::string& title) override;
+  std::optional<std::string> InputBox(const std::string& prompt, const std::string& title,
+                                      const std::string& default_text) override;
+};
+
+// One open screen: an object of the module created by class name.
+struct Screen {
+  int id = 0;
+  std::string class_name;
+  int32_t progID = 0;
+  int32_t record = 0;
+  std::unique_ptr<mrvk::ModuleObject> object;
+
+  mrvk::IFormUI* form() const { return dynamic_cast<mrvk::IFormUI*>(object.get()); }
+  mrvk::IReportUI* report() const { return dynamic_cast<mrvk::IReportUI*>(object.get()); }
+  mrvk::IToolUI* tool() const { return dynamic_cast<mrvk::IToolUI*>(object.get()); }
+  mrvk::IDesignUI* design() const { return dynamic_cast<mrvk::IDesignUI*>(object.get()); }
+  mrvk::IFormToolUI* form_tool() const { return dynamic_cast<mrvk::IFormToolUI*>(object.get()); }
+};
+
+// An event with the screen that raised it.
+struct HostEvent {
+  int screen = 0;
+  mrvk::Event event;
+};
+
+class HostContext;
+
+class Host {
+ public:
+  // Opens the database of config. A failure is kept in status(): every later operation then
+  // answers with it.
+  explicit Host(HostConfig config);
+  ~Host();
+  Host(const Host&) = delete;
+  Host& operator=(const Host&) = delete;
+
+  const Status& status() const { return status_; }
+  const HostConfig& config() const { return config_; }
+
+  // All tables, indexes, functions, key sources and seed rows; idempotent.
+  Status create_schema();
+
+  // Opens a screen by class name: Parameters, Init, Refresh, layout. Null on failure, with
+  // the reason in last_error() (unknown class, Init refused, a run-time failure).
+  Screen* open(const std::string& class_name, int32_t progID, int32_t record);
+  // Saves the layout and calls Clear; the screen is gone afterwards.
+  Status close(int screen_id);
+  Screen* screen(int screen_id);
+  std::vector<int> screen_ids() const;
+
+  // Runs a tool: Init with the record, Action, Clear. result gets Action's answer.
+  Status run_tool(const std::string& class_name, int32_t progID, int32_t record, int32_t action,
+                  bool& result);
+
+  // Calls an interface operation by name (FileNew, Find, Refresh, Attributes, ...).
+  // An unknown operation, a wrong argument count or type, or an operation the screen's
+  // interfaces do not have is an error answer; nothing runs then.
+  Status invoke(Screen& screen, const std::string& method, const std::vector<mrvk::Variant>& args,
+                mrvk::Variant& result);
+
+  // Runs fn as a call into the module: the UI port is set for the thread, and a run-time
+  // failure that escapes the module becomes an error status.
+  template <typename Fn>
+  Status guarded(const std::string& what, Fn&& fn);
+
+  std::map<std::string, std::string>& options() { return options_; }
+  ScriptedUi& ui() { return scripted_ui_; }
+  // The UI port the module's boxes go to; null restores the scripted one.
+  void set_ui_port(mrvk::IUiPort* port) { ui_port_ = port ? port : &scripted_ui_; }
+
+  db::Database& database() { return *database_; }
+  HostContext& context() { return *context_; }
+  // The events raised since the last call.
+  std::vector<HostEvent> take_events();
+  const std::string& last_error() const { return last_error_; }
+
+ private:
+  Status guard_call(const std::string& what, const std::function<void()>& fn);
+
+  HostConfig config_;
+  Status status_;
+  std::unique_ptr<db::Database> database_;
+  std::unique_ptr<HostContext> context_;
+  std::map<std::string, std::string> options_;
+  ScriptedUi scripted_ui_;
+  mrvk::IUiPort* ui_port_ = &scripted_ui_;
+  std::map<int, std::unique_ptr<Screen>> screens_;
+  int next_screen_ = 0;
+  std::vector<HostEvent> events_;
+  std::string last_error_;
+};
+
+template <typename Fn>
+Status Host::guarded(const std::string& what, Fn&& fn) {
+  return guard_call(what, std::function<void()>(std::forward<Fn>(fn)));
+}
+
+}  // namespace kvhost

@@ -1,0 +1,61 @@
+// The context object the host gives to every Init: database, environment, options and the
+// document numbers.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "kvhost/db/database.h"
+#include "mrvk/frame/host_contract.h"
+
+namespace kvhost {
+
+class HostContext : public mrvk::IHostContext, public mrvk::IHostEnvironment,
+                    public mrvk::IHostLastError {
+ public:
+  HostContext(db::Database& db, std::map<std::string, std::string>& options, std::string user,
+              std::string app_path, mrvk::Date login_date)
+      : db_(db), options_(options), user_(std::move(user)), app_path_(std::move(app_path)),
+        login_date_(login_date) {}
+
+  // IHostContext
+  mrvk::IHostDatabase& Database() override { return db_; }
+  mrvk::IHostEnvironment& Environment() override { return *this; }
+  mrvk::IHostLastError& LastError() override { return *this; }
+  // The option's text; an unknown key gives "".
+  mrvk::IHostOption GetOption(const mrvk::Variant& key) override;
+  mrvk::IHostOption GetSystemOption(const mrvk::Variant& key) override;
+  // Document numbers: a prefix by function ("HT" contracts, "SK" receipts, "DJ" others),
+  // the year and month of the date, and a four-digit sequence per function and month:
+  // "HT2012100001". See the definition for preview, typed numbers and concurrency.
+  bool BillCode(int32_t progID, mrvk::Date date, std::string& code, bool preview) override;
+  bool ReleaseBillCode(int32_t progID, mrvk::Date date, const std::string& code) override;
+  mrvk::IHostPicker* Picker(const std::string&) override { return nullptr; }
+  mrvk::IHostPrintEngine* PrintEngine() override { return nullptr; }
+  mrvk::IHostDialogHost* DialogHost() override { return nullptr; }
+
+  // IHostEnvironment
+  std::string UserName() const override { return user_; }
+  std::string AppPath() const override { return app_path_; }
+  mrvk::Date LoginDate() const override { return login_date_; }
+
+  // IHostLastError: the text of the host's last failure.
+  std::string Text() const override { return last_error_; }
+  void SetLastError(std::string text) { last_error_ = std::move(text); }
+
+  // The number that BillCode gives for sequence number seq.
+  static std::string FormatBillCode(int32_t progID, mrvk::Date date, int64_t seq);
+
+ private:
+  // The last number issued for progID in date's month (0 when none); -1 on a database error.
+  int64_t LastIssued(int32_t progID, const std::string& period);
+
+  db::Database& db_;
+  std::map<std::string, std::string>& options_;
+  std::string user_;
+  std::string app_path_;
+  mrvk::Date login_date_;
+  std::string last_error_;
+};
+
+}  // namespace kvhost

@@ -1,0 +1,86 @@
+#include "kvhost/lib/bill_data.h"
+
+#include "kvhost/lib/key_source.h"
+#include "mrvk/frame/data_access.h"
+#include "mrvk/frame/vb.h"
+
+namespace kvhost {
+namespace {
+
+// The key's name in the derived table: a table prefix ("FwHd.合同ID") is dropped.
+std::string Unqualified(const std::string& key) {
+  const size_t dot = key.rfind('.');
+  return dot == std::string::npos ? key : key.substr(dot + 1);
+}
+
+std::string Where(const std::string& filter, const std::string& extra) {
+  std::string w;
+  if (!mrvk::Trim(filter).empty()) w = "(" + filter + ")";
+  if (!mrvk::Trim(extra).empty()) w += (w.empty() ? "" : " and ") + ("(" + extra + ")");
+  return w.empty() ? "" : " where " + w;
+}
+
+}  // namespace
+
+std::string BillData::NewID(const std::string& table, const std::string& key_column,
+                            int32_t& id) {
+  auto* keys = dynamic_cast<IKeySource*>(db_);
+  if (!keys) return "NewID: no database with a key source";
+  return keys->NewKey(table, key_column, id);
+}
+
+mrvk::Variant BillData::OpenOne(std::string& position, std::unique_ptr<mrvk::Recordset>& rs,
+                                const std::string& select_sql, const std::string& filter,
+                                const std::string& extra, const std::string& key_column,
+                                bool descending) {
+  if (!db_) return mrvk::Variant("no database");
+  const std::string key = Unqualified(key_column);
+  const std::string from = " from (" + select_sql + ") q";
+  rs = db_->CreateCommand("select top 1 *" + from + Where(filter, extra) + " order by " + key +
+                              (descending ? " desc" : ""),
+                          1)
+           ->OpenRecordset();
+  if (!db_->Error().Description().empty()) return mrvk::Variant(db_->Error().Description());
+  if (rs->Eof()) return mrvk::Variant::Null();
+  const std::string found = rs->Fields(key).Value.ToString();
+  const std::string total =
+      mrvk::ScalarText(*db_, "select count(*)" + from + Where(filter, ""));
+  const std::string before =
+      mrvk::ScalarText(*db_, "select count(*)" + from + Where(filter, key + "<=" + found));
+  if (!db_->Error().Description().empty()) return mrvk::Variant(db_->Error().Description());
+  position = before + "/" + total;
+  return mrvk::Variant(std::string());
+}
+
+mrvk::Variant BillData::Navigate(std::string& position, std::unique_ptr<mrvk::Recordset>& rs,
+                                 const std::string& select_sql, const std::string& filter,
+                                 int direction, int32_t current_id,
+                                 const std::string& key_column, int) {
+  const std::string key = Unqualified(key_column);
+  const std::string id = std::to_string(current_id);
+  switch (direction) {
+    case mrvk::navigate::kFirst:
+      return OpenOne(position, rs, select_sql, filter, "", key, /*descending=*/false);
+    case mrvk::navigate::kPrevious:
+      return OpenOne(position, rs, select_sql, filter, key + "<" + id, key, /*descending=*/true);
+    case mrvk::navigate::kNext:
+      return OpenOne(position, rs, select_sql, filter, key + ">" + id, key, /*descending=*/false);
+    case mrvk::navigate::kLast:
+      return OpenOne(position, rs, select_sql, filter, "", key, /*descending=*/true);
+    default:
+      return mrvk::Variant("Navigate: unknown direction " + std::to_string(direction));
+  }
+}
+
+mrvk::Variant BillData::Locate(std::string& position, std::unique_ptr<mrvk::Recordset>& rs,
+                               const std::string& select_sql, const std::string& filter,
+                               const std::string& find_text, const std::string& key_column) {
+  return OpenOne(position, rs, select_sql, filter, find_text, key_column, /*descending=*/false);
+}
+
+std::string BillData::DateText(const std::string& date_text) {
+  auto d = mrvk::ParseDate(date_text);
+  return d ? d->ToText() : std::string();
+}
+
+}  // namespace kvhost

@@ -1,0 +1,484 @@
+#include "kvhost/protocol.h"
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include "kvhost/db/database.h"
+#include "kvhost/host.h"
+
+namespace kvhost {
+
+using nlohmann::json;
+
+json VariantToJson(const mrvk::Variant& v) {
+  using T = mrvk::Variant::Type;
+  switch (v.type()) {
+    case T::Empty:
+    case T::Null:
+      return nullptr;
+    case T::Boolean:
+      return v.AsBool();
+    case T::Long:
+      return v.AsLong();
+    case T::Double:
+      return v.AsDouble();
+    case T::String:
+      return v.AsString();
+    case T::Date:
+      return v.AsDate().ToText();
+    case T::Array:
+      break;
+  }
+  // Nested arrays, outermost dimension first.
+  const mrvk::VariantArray& a = v.AsArray();
+  std::function<json(std::vector<int>&)> build = [&](std::vector<int>& index) -> json {
+    const int dim = static_cast<int>(index.size());
+    json out = json::array();
+    for (int i = 0; i <= a.UBound(dim + 1); ++i) {
+      index.push_back(i);
+      if (dim + 1 == a.Dimensions()) {
+        const mrvk::Variant* cell = nullptr;
+        if (a.Dimensions() == 1) cell = &a.at({index[0]});
+        else if (a.Dimensions() == 2) cell = &a.at({index[0], index[1]});
+        else cell = &a.at({index[0], index[1], index[2]});
+        out.push_back(VariantToJson(*cell));
+      } else {
+        out.push_back(build(index));
+      }
+      index.pop_back();
+    }
+    return out;
+  };
+  std::vector<int> index;
+  return build(index);
+}
+
+bool JsonToVariant(const json& j, mrvk::Variant& out, std::string& error) {
+  switch (j.type()) {
+    case json::value_t::null:
+      out = mrvk::Variant::Null();
+      return true;
+    case json::value_t::boolean:
+      out = mrvk::Variant(j.get<bool>());
+      return true;
+    case json::value_t::number_integer:
+    case json::value_t::number_unsigned:
+      out = mrvk::Variant(j.get<int64_t>());
+      return true;
+    case json::value_t::number_float:
+      out = mrvk::Variant(j.get<double>());
+      return true;
+    case json::value_t::string:
+      out = mrvk::Variant(j.get<std::string>());
+      return true;
+    case json::value_t::array:
+      break;
+    default:
+      error = "objects cannot be passed as values";
+      return false;
+  }
+  // The shape of a rectangular nested array, up to three dimensions.
+  std::vector<int> sizes;
+  const json* level = &j;
+  while (level->is_array()) {
+    sizes.push_back(static_cast<int>(level->size()));
+    if (level->empty()) break;
+    level = &(*level)[0];
+  }
+  if (sizes.size() > 3) {
+    error = "arrays have at most three dimensions";
+    return false;
+  }
+  auto array = std::make_shared<mrvk::VariantArray>(sizes);
+  std::function<bool(const json&, std::vector<int>&)> fill = [&](const json& node,
+                                                                std::vector<int>& index) {
+    const size_t dim = index.size();
+    if (!node.is_array() || static_cast<int>(node.size()) != sizes[dim]) {
+      error = "nested arrays must be rectangular";
+      return false;
+    }
+    for (int i = 0; i < sizes[dim]; ++i) {
+      index.push_back(i);
+      const json& child = node[static_cast<size_t>(i)];
+      if (dim + 1 == sizes.size()) {
+        mrvk::Variant v;
+        if (child.is_array() || !JsonToVariant(child, v, error)) {
+          if (error.empty()) error = "nested arrays must be rectangular";
+          return false;
+        }
+        if (sizes.size() == 1) array->at({index[0]}) = v;
+        else if (sizes.size() == 2) array->at({index[0], index[1]}) = v;
+        else array->at({index[0], index[1], index[2]}) = v;
+      } else if (!fill(child, index)) {
+        return false;
+      }
+      index.pop_back();
+    }
+    return true;
+  };
+  std::vector<int> index;
+  if (!fill(j, index)) return false;
+  out = mrvk::Variant(array);
+  return true;
+}
+
+namespace {
+
+json Fail(const std::string& error) { return {{"ok", false}, {"error", error}}; }
+
+json EventsToJson(const std::vector<HostEvent>& events) {
+  json out = json::array();
+  for (const HostEvent& e : events) {
+    json args = json::array();
+    for (const auto& a : e.event.args) args.push_back(VariantToJson(a));
+    out.push_back({{"screen", e.screen}, {"name", e.event.name}, {"id", e.event.id},
+                   {"args", args}});
+  }
+  return out;
+}
+
+// Reads a field of the request, with a clear error when it is missing or of the wrong kind.
+template <typename T>
+bool Field(const json& req, const char* name, T& out, std::string& error, bool required = true) {
+  auto it = req.find(name);
+  if (it == req.end() || it->is_null()) {
+    if (required) error = std::string("missing field \"") + name + "\"";
+    return !required;
+  }
+  try {
+    if constexpr (std::is_same_v<T, std::string>) {
+      if (!it->is_string()) throw std::invalid_argument("");
+    } else if constexpr (std::is_integral_v<T>) {
+      if (!it->is_number_integer() && !it->is_number_unsigned()) throw std::invalid_argument("");
+      const int64_t v = it->get<int64_t>();
+      if (v < std::numeric_limits<T>::min() || v > std::numeric_limits<T>::max())
+        throw std::invalid_argument("");
+    }
+    out = it->get<T>();
+    return true;
+  } catch (const std::exception&) {
+    error = std::string("field \"") + name + "\" has the wrong type";
+    return false;
+  }
+}
+
+}  // namespace
+
+class ProtocolDriver::Impl : public mrvk::IUiPort {
+ public:
+  Impl() : worker_([this] { WorkerLoop(); }) {}
+
+  ~Impl() override {
+    {
+      std::lock_guard lock(mu_);
+      stopping_ = true;
+    }
+    cv_.notify_all();
+    worker_.join();
+    host_.reset();
+  }
+
+  json Handle(const json& req) {
+    if (!req.is_object()) return Fail("a request is a JSON object");
+    std::string op;
+    std::string error;
+    if (!Field(req, "op", op, error)) return Fail(error);
+    {
+      std::lock_guard lock(mu_);
+      if (pending_ && op != "answer")
+        return Fail("a " + pending_->kind + " is waiting for an answer: send {\"op\":\"answer\"}");
+    }
+    if (op == "answer") return Answer(req);
+    if (op == "session") return RunOnWorker([&] { return Session(req); });
+    if (!host_) return Fail("no session: send {\"op\":\"session\",...} first");
+    if (op == "open") return RunOnWorker([&] { return Open(req); });
+    if (op == "call") return RunOnWorker([&] { return Call(req); });
+    if (op == "gesture") return RunOnWorker([&] { return Gesture(req); });
+    if (op == "state") return RunOnWorker([&] { return State(req); });
+    if (op == "sql") return RunOnWorker([&] { return Sql(req); });
+    if (op == "close") return RunOnWorker([&] { return Close(req); });
+    if (op == "tool") return RunOnWorker([&] { return Tool(req); });
+    return Fail("unknown op \"" + op + "\"");
+  }
+
+  // IUiPort, on the worker thread: publish the box and wait for the caller's answer.
+  int MsgBox(const std::string& prompt, int flags, const std::string& title) override {
+    auto v = WaitForAnswer({"msgbox", prompt, flags, title, ""});
+    return static_cast<int>(v.ToDouble());
+  }
+  std::optional<std::string> InputBox(const std::string& prompt, const std::string& title,
+                                      const std::string& default_text) override {
+    auto v = WaitForAnswer({"inputbox", prompt, 0, title, default_text});
+    if (v.IsNull() || v.IsEmpty()) return std::nullopt;  // cancelled
+    return v.ToString();
+  }
+
+ private:
+  struct Pending {
+    std::string kind;
+    std::string prompt;
+    int flags = 0;
+    std::string title;
+    std::string default_text;
+  };
+
+  class Aborted : public std::runtime_error {
+   public:
+    Aborted() : std::runtime_error("the driver was closed while a box was waiting") {}
+  };
+
+  mrvk::Variant WaitForAnswer(Pending p) {
+    std::unique_lock lock(mu_);
+    pending_events_ = host_ ? host_->take_events() : std::vector<HostEvent>{};
+    pending_ = std::move(p);
+    ++pending_seq_;
+    cv_.notify_all();
+    cv_.wait(lock, [&] { return answer_.has_value() || stopping_; });
+    if (!answer_) throw Aborted();
+    mrvk::Variant v = std::move(*answer_);
+    answer_.reset();
+    pending_.reset();
+    return v;
+  }
+
+  void WorkerLoop() {
+    std::unique_lock lock(mu_);
+    while (true) {
+      cv_.wait(lock, [&] { return task_ || stopping_; });
+      if (stopping_ && !task_) return;
+      auto task = std::move(*task_);
+      task_.reset();
+      lock.unlock();
+      json result;
+      try {
+        result = task();
+      } catch (const std::exception& e) {
+        result = Fail(e.what());
+      }
+      lock.lock();
+      result_ = std::move(result);
+      cv_.notify_all();
+    }
+  }
+
+  // Runs fn on the worker and waits until it ends or shows a box.
+  json RunOnWorker(std::function<json()> fn) {
+    std::unique_lock lock(mu_);
+    task_ = std::move(fn);
+    const uint64_t seq = pending_seq_;
+    cv_.notify_all();
+    return WaitForOutcome(lock, seq);
+  }
+
+  json WaitForOutcome(std::unique_lock<std::mutex>& lock, uint64_t seq) {
+    cv_.wait(lock, [&] { return result_.has_value() || (pending_ && pending_seq_ != seq); });
+    if (result_) {
+      json r = std::move(*result_);
+      result_.reset();
+      return r;
+    }
+    json p = {{"kind", pending_->kind}, {"prompt", pending_->prompt},
+              {"flags", pending_->flags}, {"title", pending_->title}};
+    if (pending_->kind == "inputbox") p["default"] = pending_->default_text;
+    json answer = {{"ok", true}, {"pending", p}, {"events", EventsToJson(pending_events_)}};
+    pending_events_.clear();
+    return answer;
+  }
+
+  json Answer(const json& req) {
+    std::unique_lock lock(mu_);
+    if (!pending_) return Fail("nothing is waiting for an answer");
+    auto it = req.find("value");
+    if (it == req.end()) return Fail("missing field \"value\"");
+    mrvk::Variant v;
+    std::string error;
+    if (!JsonToVariant(*it, v, error)) return Fail(error);
+    if (pending_->kind == "msgbox" && !v.IsNumeric())
+      return Fail("a message box is answered by a button number (6 yes, 7 no, 1 OK, 2 cancel)");
+    answer_ = std::move(v);
+    const uint64_t seq = pending_seq_;
+    cv_.notify_all();
+    return WaitForOutcome(lock, seq);
+  }
+
+  // Every answer of an operation carries the events raised since the last answer.
+  json Done(json result) {
+    return {{"ok", true}, {"result", std::move(result)}, {"events", EventsToJson(host_->take_events())}};
+  }
+  json Failed(const std::string& error) {
+    json f = Fail(error);
+    if (host_) f["events"] = EventsToJson(host_->take_events());
+    return f;
+  }
+
+  json Session(const json& req) {
+    HostConfig cfg;
+    std::string error;
+    if (!Field(req, "database", cfg.database, error) ||
+        !Field(req, "user", cfg.user, error, /*required=*/false) ||
+        !Field(req, "login_date", cfg.login_date, error, /*required=*/false) ||
+        !Field(req, "app_path", cfg.app_path, error, /*required=*/false))
+      return Fail(error);
+    auto host = std::make_unique<Host>(cfg);
+    if (!host->status().ok()) return Fail(host->status().message());
+    // A new database gets its schema; an existing one is used as it is.
+    db::ResultSet probe;
+    if (!host->database().Query("select count(*) from xt_menu", probe)) {
+      Status s = host->create_schema();
+      if (!s.ok()) return Fail("cannot create the schema: " + s.message());
+    }
+    host->set_ui_port(this);
+    host_ = std::move(host);
+    return {{"ok", true},
+            {"result", {{"driver", host_->database().Properties().Item("driver").Value.ToString()}}},
+            {"events", json::array()}};
+  }
+
+  Screen* FindScreen(const json& req, std::string& error) {
+    int id = 0;
+    if (!Field(req, "screen", id, error)) return nullptr;
+    Screen* s = host_->screen(id);
+    if (!s) error = "no open screen " + std::to_string(id);
+    return s;
+  }
+
+  json Open(const json& req) {
+    std::string cls, error;
+    int32_t prog = 0, record = 0;
+    if (!Field(req, "class", cls, error) || !Field(req, "progID", prog, error, false) ||
+        !Field(req, "record", record, error, false))
+      return Fail(error);
+    Screen* s = host_->open(cls, prog, record);
+    if (!s) return Failed(host_->last_error());
+    return Done(s->id);
+  }
+
+  json Call(const json& req) {
+    std::string method, error;
+    Screen* s = FindScreen(req, error);
+    if (!s || !Field(req, "method", method, error)) return Fail(error);
+    std::vector<mrvk::Variant> args;
+    if (auto it = req.find("args"); it != req.end() && !it->is_null()) {
+      if (!it->is_array()) return Fail("field \"args\" must be an array");
+      for (const json& a : *it) {
+        mrvk::Variant v;
+        if (!JsonToVariant(a, v, error)) return Fail("args: " + error);
+        args.push_back(std::move(v));
+      }
+    }
+    mrvk::Variant result;
+    Status st = host_->invoke(*s, method, args, result);
+    if (!st.ok()) return Failed(st.message());
+    return Done(VariantToJson(result));
+  }
+
+  json Gesture(const json& req) {
+    std::string control, gesture, error;
+    Screen* s = FindScreen(req, error);
+    if (!s || !Field(req, "control", control, error) || !Field(req, "gesture", gesture, error))
+      return Fail(error);
+    return Fail("screen " + std::to_string(s->id) + " (" + s->class_name + ") has no control \"" +
+                control + "\"");
+  }
+
+  json State(const json& req) {
+    std::string error;
+    Screen* s = FindScreen(req, error);
+    if (!s) return Fail(error);
+    json state = {{"screen", s->id}, {"class", s->class_name}, {"progID", s->progID},
+                  {"controls", json::array()}};
+    if (auto* form = s->form()) {
+      bool dirty = false;
+      int32_t id = 0;
+      Status st = host_->guarded(s->class_name + ".state", [&] {
+        dirty = form->IsDirty();
+        id = form->GetID();
+      });
+      if (!st.ok()) return Failed(st.message());
+      state["IsDirty"] = dirty;
+      state["GetID"] = id;
+    }
+    return Done(state);
+  }
+
+  json Sql(const json& req) {
+    std::string query, error;
+    if (!Field(req, "query", query, error)) return Fail(error);
+    db::Database& database = host_->database();
+    const bool guard = database.dialect() == db::Dialect::Postgres && !database.InTransaction();
+    // Diagnostics never change the database: on the server the statement runs in a
+    // read-only transaction that is rolled back; SQLite only takes SELECTs.
+    if (guard) database.connection().ExecuteRaw("BEGIN READ ONLY");
+    db::ResultSet rs;
+    const bool ok = database.Query(query, rs);
+    if (guard) database.connection().ExecuteRaw("ROLLBACK");
+    if (!ok) return Fail(database.Error().Description());
+    json rows = json::array();
+    for (size_t r = 0; r < rs.rows(); ++r) {
+      json row = json::array();
+      for (size_t c = 0; c < rs.columns.size(); ++c)
+        row.push_back(VariantToJson(rs.values[r * rs.columns.size() + c]));
+      rows.push_back(std::move(row));
+    }
+    return Done({{"columns", rs.columns}, {"rows", rows}});
+  }
+
+  json Close(const json& req) {
+    std::string error;
+    Screen* s = FindScreen(req, error);
+    if (!s) return Fail(error);
+    Status st = host_->close(s->id);
+    if (!st.ok()) return Failed(st.message());
+    return Done(true);
+  }
+
+  json Tool(const json& req) {
+    std::string cls, error;
+    int32_t prog = 0, record = 0, action = 0;
+    if (!Field(req, "class", cls, error) || !Field(req, "progID", prog, error, false) ||
+        !Field(req, "record", record, error, false) || !Field(req, "action", action, error, false))
+      return Fail(error);
+    bool result = false;
+    Status st = host_->run_tool(cls, prog, record, action, result);
+    if (!st.ok()) return Failed(st.message());
+    return Done(result);
+  }
+
+  std::mutex mu_;
+  std::condition_variable cv_;
+  std::optional<std::function<json()>> task_;
+  std::optional<json> result_;
+  std::optional<Pending> pending_;
+  uint64_t pending_seq_ = 0;
+  std::vector<HostEvent> pending_events_;
+  std::optional<mrvk::Variant> answer_;
+  bool stopping_ = false;
+  std::unique_ptr<Host> host_;
+  std::thread worker_;
+};
+
+ProtocolDriver::ProtocolDriver() : impl_(std::make_unique<Impl>()) {}
+ProtocolDriver::~ProtocolDriver() = default;
+
+json ProtocolDriver::Handle(const json& request) {
+  try {
+    return impl_->Handle(request);
+  } catch (const std::exception& e) {
+    return Fail(std::string("internal error: ") + e.what());
+  }
+}
+
+std::string ProtocolDriver::HandleLine(const std::string& line) {
+  json req;
+  try {
+    req = json::parse(line);
+  } catch (const json::parse_error& e) {
+    return Fail(std::string("not JSON: ") + e.what()).dump();
+  }
+  return Handle(req).dump(-1, ' ', /*ensure_ascii=*/false, json::error_handler_t::replace);
+}
+
+}  // namespace kvhost

@@ -1,0 +1,40 @@
+// The module's side of data access: the one quoting helper for spliced text, the dialect
+// test, date literals, scalar reads and the revision suffix of document numbers.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "mrvk/frame/host_contract.h"
+
+namespace mrvk {
+
+// A text made safe to stand between single quotes in a statement: every single quote is
+// doubled. Every text a user typed goes through here before it is spliced into SQL.
+std::string SqlText(std::string_view text);
+
+// The text between single quotes: "'" + SqlText(text) + "'".
+std::string SqlQuoted(std::string_view text);
+
+// The dialect test, made anew at each use: true when the connection property "driver" is
+// exactly "jet" (so "Jet" or "jet 4.0" select the server dialect).
+bool IsJet(const IHostDatabase& db);
+
+// A date value as a literal of the connection's dialect: #yyyy-mm-dd# on Jet, 'yyyy-mm-dd'
+// otherwise. The text is spliced as it stands (trimmed); callers pass dates they checked.
+std::string DateLiteral(const IHostDatabase& db, std::string_view date_text);
+
+// Reads one value: CreateCommand, ExecuteScalar, joined with "" (Null and Empty give "").
+// A failed statement gives "" and leaves its text in db.Error().
+std::string ScalarText(IHostDatabase& db, const std::string& sql);
+
+// The revision suffix a saved document number takes when the function's attribute
+// "onsavecode" is 1: "HT2012" -> "HT2012-1", "HT2012-3" -> "HT2012-4", "A-B-3" -> "A-B-4",
+// "A-" -> "A-1", "A-x" -> "A-1" (the part behind the last "-" read through Val, plus 1).
+std::string ReviseBillNumber(const std::string& number);
+
+// Whether the number of progID takes the revision suffix on saving an existing document:
+// the text of xt_BillAttribute's 'onsavecode' row read as a number is 1.
+bool RevisesOnSave(IHostDatabase& db, int32_t progID);
+
+}  // namespace mrvk

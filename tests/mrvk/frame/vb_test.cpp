@@ -1,0 +1,167 @@
+#include "mrvk/frame/vb.h"
+
+#include <gtest/gtest.h>
+
+#include "mrvk/frame/data_access.h"
+#include "mrvk/frame/host_contract.h"
+
+namespace mrvk {
+namespace {
+
+TEST(Val, ReadsTheLeadingNumberLikeVb) {
+  struct Case {
+    const char* text;
+    double want;
+  } cases[] = {
+      {"12.5", 12.5},     {"  3 4 5", 345},   {"-7abc", -7},   {"abc", 0},
+      {"", 0},            {"1e3", 1000},      {"2D2", 200},    {"1.2.3", 1.2},
+      {"&HFF", 255},      {"&O17", 15},       {".5", 0.5},     {"+8", 8},
+      {"1e", 1},          {"- 4", -4},        {"12,000", 12},  {"0x10", 0},
+  };
+  for (const auto& c : cases) EXPECT_DOUBLE_EQ(Val(c.text), c.want) << '"' << c.text << '"';
+}
+
+TEST(NumberText, WritesNumbersAsVbDoes) {
+  struct Case {
+    double value;
+    const char* want;
+  } cases[] = {
+      {0, "0"},          {12.5, "12.5"},           {-3, "-3"},          {0.5, "0.5"},
+      {1.0 / 3, "0.333333333333333"},               {100, "100"},        {1234567.89, "1234567.89"},
+      {1e15, "1E+15"},   {0.00001, "1E-05"},       {123456789012345, "123456789012345"},
+      {2.675, "2.675"},  {-0.25, "-0.25"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(NumberText(c.value), c.want) << c.value;
+}
+
+TEST(RoundHalfEven, RoundsTiesToEven) {
+  EXPECT_EQ(RoundHalfEven(2.5), 2);
+  EXPECT_EQ(RoundHalfEven(3.5), 4);
+  EXPECT_EQ(RoundHalfEven(-2.5), -2);
+  EXPECT_EQ(RoundHalfEven(-3.5), -4);
+  EXPECT_EQ(RoundHalfEven(2.4999), 2);
+  EXPECT_EQ(RoundHalfEven(0.5), 0);
+  EXPECT_EQ(RoundHalfEven(1.5), 2);
+  EXPECT_THROW(IntDiv(10, 0), VbError);
+  EXPECT_EQ(IntDiv(10, 3), 3);
+}
+
+TEST(ParseDate, AcceptsRealDatesOnly) {
+  EXPECT_EQ(ParseDate("2012-10-11")->ToText(), "2012-10-11");
+  EXPECT_EQ(ParseDate(" 2012/3/5 ")->ToText(), "2012-03-05");
+  EXPECT_EQ(ParseDate("2012-02-29 13:45:00")->ToText(), "2012-02-29");
+  for (const char* bad : {"2013-02-29", "2012-13-01", "2012-00-10", "12-10-11", "2012-10",
+                          "2012-10-11x", "abc", "", "2012-10/11", "20121011", "2012-1-1;drop"}) {
+    EXPECT_FALSE(ParseDate(bad)) << bad;
+  }
+}
+
+TEST(Dates, SerialsRoundTripAcrossCenturies) {
+  for (int y : {1900, 1999, 2000, 2012, 2100, 2400}) {
+    for (int m = 1; m <= 12; ++m) {
+      const int last = DaysInMonth(y, m);
+      Date d = Date::FromYmd(y, m, last);
+      EXPECT_EQ(d.year(), y);
+      EXPECT_EQ(d.month(), m);
+      EXPECT_EQ(d.day(), last);
+      EXPECT_EQ(AddDays(d, 1), m == 12 ? Date::FromYmd(y + 1, 1, 1) : Date::FromYmd(y, m + 1, 1));
+    }
+  }
+  EXPECT_EQ(Date::FromYmd(1899, 12, 30).serial(), 0);  // VB's day zero
+  EXPECT_EQ(DaysInMonth(1900, 2), 28);
+  EXPECT_EQ(DaysInMonth(2000, 2), 29);
+}
+
+TEST(AddMonths, KeepsTheDayAndClampsToTheMonthEnd) {
+  auto d = [](const char* t) { return *ParseDate(t); };
+  EXPECT_EQ(AddMonths(d("2012-01-31"), 1).ToText(), "2012-02-29");
+  EXPECT_EQ(AddMonths(d("2013-01-31"), 1).ToText(), "2013-02-28");
+  EXPECT_EQ(AddMonths(d("2012-03-15"), 3).ToText(), "2012-06-15");
+  EXPECT_EQ(AddMonths(d("2012-11-30"), 3).ToText(), "2013-02-28");
+  EXPECT_EQ(AddMonths(d("2012-03-31"), -1).ToText(), "2012-02-29");
+  EXPECT_EQ(AddMonths(d("2012-01-15"), -13).ToText(), "2010-12-15");
+  EXPECT_EQ(AddMonths(d("2012-02-29"), 12).ToText(), "2013-02-28");
+}
+
+TEST(Variant, ConvertsAsTheLogicExpects) {
+  EXPECT_EQ(Variant().ToString(), "");
+  EXPECT_EQ(Variant::Null().ToString(), "");
+  EXPECT_EQ(Variant(12.5).ToString(), "12.5");
+  EXPECT_EQ(Variant(int64_t{7}).ToString(), "7");
+  EXPECT_EQ(Variant(Date::FromYmd(2012, 3, 5)).ToString(), "2012-03-05");
+  EXPECT_EQ(Variant("3.5 rooms").ToDouble(), 3.5);
+  EXPECT_EQ(Variant("2.5").ToLong(), 2);
+  EXPECT_EQ(Variant::Null().ToLong(), 0);
+  EXPECT_EQ(Variant(int64_t{3}), Variant(3.0));
+  EXPECT_FALSE(Variant("3") == Variant(3.0));
+  EXPECT_FALSE(Variant() == Variant::Null());
+}
+
+TEST(SqlText, DoublesQuotesAndNothingElse) {
+  EXPECT_EQ(SqlText("O'Brien"), "O''Brien");
+  EXPECT_EQ(SqlText("''"), "''''");
+  EXPECT_EQ(SqlText("a\\b;--c"), "a\\b;--c");
+  EXPECT_EQ(SqlQuoted("张'三"), "'张''三'");
+}
+
+TEST(ReviseBillNumber, RaisesTheRevisionBehindTheLastDash) {
+  struct Case {
+    const char* number;
+    const char* want;
+  } cases[] = {
+      {"HT2012", "HT2012-1"}, {"HT2012-3", "HT2012-4"}, {"HT2012-12", "HT2012-13"},
+      {"A-B-3", "A-B-4"},     {"A-", "A-1"},            {"A-x", "A-1"},
+      {"-", "-1"},            {"", "-1"},               {"X-9.5", "X-10.5"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ReviseBillNumber(c.number), c.want) << c.number;
+}
+
+// A condition array as the host passes it: A(plane, row, column).
+Variant Conditions(std::vector<std::vector<std::vector<Variant>>> planes) {
+  const int rows = static_cast<int>(planes[0].size());
+  const int cols = static_cast<int>(planes[0][0].size());
+  auto a = std::make_shared<VariantArray>(std::vector<int>{static_cast<int>(planes.size()), rows, cols});
+  for (int p = 0; p < static_cast<int>(planes.size()); ++p)
+    for (int r = 0; r < rows; ++r)
+      for (int c = 0; c < cols; ++c) a->at({p, r, c}) = planes[static_cast<size_t>(p)][static_cast<size_t>(r)][static_cast<size_t>(c)];
+  return Variant(a);
+}
+
+TEST(ConditionText, BuildsTheFindAndFilterClauses) {
+  Variant a = Conditions({
+      {{"", "合同编号 like", 8}, {"", "合同日期>=", 7}, {"", "progid=", 3}},
+      {{" HT01 ", "合同编号 like", 8}, {"2012-01-01", "合同日期>=", 7}, {"", "progid=", 3}},
+  });
+  EXPECT_EQ(*ConditionText(a, /*plane=*/1, /*jet=*/true),
+            " 合同编号 like '%HT01%'  and 合同日期>=#2012-01-01#");
+  EXPECT_EQ(*ConditionText(a, /*plane=*/1, /*jet=*/false),
+            " 合同编号 like '%HT01%'  and 合同日期>='2012-01-01'");
+  // The filter plane is empty: nothing is added, and the text is empty.
+  EXPECT_EQ(*ConditionText(a, /*plane=*/0, /*jet=*/true), "");
+  EXPECT_FALSE(ConditionText(Variant(), 1, true));
+  EXPECT_FALSE(ConditionText(Variant::Null(), 1, true));
+}
+
+TEST(ConditionText, FilterReadsTheDateTypeFromTheFindPlane) {
+  Variant a = Conditions({
+      {{"2012-05-01", "合同日期<", ""}},
+      {{"", "合同日期<", 7}},
+  });
+  EXPECT_EQ(*ConditionText(a, /*plane=*/0, /*jet=*/true), " 合同日期<#2012-05-01#");
+}
+
+TEST(ConditionText, ATypedQuoteCannotBreakTheStatement) {
+  Variant a = Conditions({{{"x' or '1'='1", "业主名称=", 8}}, {{"", "", 8}}});
+  EXPECT_EQ(*ConditionText(a, /*plane=*/0, /*jet=*/true), " 业主名称='x'' or ''1''=''1'");
+}
+
+TEST(Parameters, KeysWithoutRegardToCase) {
+  IParameters p;
+  p.Add("BackColor", Variant(int64_t{255}));
+  EXPECT_TRUE(p.Exists("backcolor"));
+  EXPECT_EQ(p.Item("BACKCOLOR").Value.ToLong(), 255);
+  EXPECT_TRUE(p.Item("printfilename").Value.IsEmpty());
+}
+
+}  // namespace
+}  // namespace mrvk
