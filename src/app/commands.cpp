@@ -38,7 +38,7 @@ int RunInitDb(const std::vector<std::string>& args, std::ostream& out, std::ostr
     }
   }
   EnsureSqliteFolder(url);
-  kvhost::Host host({.database = url});
+  kvhost::Host host({.database = url, .user = "admin", .login_date = "", .app_path = "."});
   if (!host.status().ok()) {
     err << "mrvk init-db: " << host.status().message() << "\n";
     return 1;

@@ -310,9 +310,10 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
         scopes.back().limit = tok(k + 1).text;
         t.removed = true;
         tok(k + 1).removed = true;
-        // Drop the blank after the number too.
-        if (idx[k + 1] + 1 < toks.size() && toks[idx[k + 1] + 1].kind == Tok::Space)
-          toks[idx[k + 1] + 1].removed = true;
+        // Drop the blanks after `top` and after the number too.
+        for (size_t at : {idx[k] + 1, idx[k + 1] + 1}) {
+          if (at < toks.size() && toks[at].kind == Tok::Space) toks[at].removed = true;
+        }
         ++k;
         continue;
       }

@@ -30,7 +30,7 @@ struct Out {
   std::string error;
 };
 
-Out Run(Dialect d, const std::string& sql) {
+Out Rewrite(Dialect d, const std::string& sql) {
   SqlRewriter rw(d, TestTypes());
   RewrittenSql out;
   std::string error;
@@ -40,19 +40,19 @@ Out Run(Dialect d, const std::string& sql) {
 }
 
 TEST(SqlRewriter, TopBecomesALimitAtTheEndOfItsSelect) {
-  auto r = Run(Dialect::Sqlite, "select top 1 合同ID from fwhd where 合同ID>5 order by 合同ID");
+  auto r = Rewrite(Dialect::Sqlite, "select top 1 合同ID from fwhd where 合同ID>5 order by 合同ID");
   ASSERT_TRUE(r.ok) << r.error;
   EXPECT_EQ(r.sql, "select 合同ID from fwhd where 合同ID>? order by 合同ID LIMIT 1");
   EXPECT_EQ(r.params, std::vector<std::string>{"5"});
 
   // In a subquery the limit closes the subquery, not the statement.
-  r = Run(Dialect::Postgres,
+  r = Rewrite(Dialect::Postgres,
           "select * from fwhd where 合同ID in (select top 3 合同ID from fwhdmx order by 合同ID) and progid=870201");
   ASSERT_TRUE(r.ok) << r.error;
   EXPECT_EQ(r.sql,
             "select * from fwhd where 合同ID in (select 合同ID from fwhdmx order by 合同ID LIMIT 3) and progid=$1");
 
-  r = Run(Dialect::Sqlite, "SELECT DISTINCT TOP 2 名称 FROM t");
+  r = Rewrite(Dialect::Sqlite, "SELECT DISTINCT TOP 2 名称 FROM t");
   ASSERT_TRUE(r.ok) << r.error;
   EXPECT_EQ(r.sql, "SELECT DISTINCT 名称 FROM t LIMIT 2");
 }
@@ -82,7 +82,7 @@ TEST(SqlRewriter, RefusesWhatItCannotRewriteFaithfully) {
   };
   for (const auto& c : cases) {
     for (Dialect d : {Dialect::Sqlite, Dialect::Postgres}) {
-      auto r = Run(d, c.sql);
+      auto r = Rewrite(d, c.sql);
       EXPECT_FALSE(r.ok) << c.sql;
       EXPECT_NE(r.error.find(c.error_part), std::string::npos) << c.sql << " -> " << r.error;
     }
@@ -90,46 +90,46 @@ TEST(SqlRewriter, RefusesWhatItCannotRewriteFaithfully) {
 }
 
 TEST(SqlRewriter, DateLiteralsBecomeCheckedIsoTexts) {
-  auto r = Run(Dialect::Postgres,
+  auto r = Rewrite(Dialect::Postgres,
                " and 合同日期>=#2012-3-1# and 合同日期<#04/01/2012#");
   // Not a statement on its own, but the rewriting is the same inside one.
-  r = Run(Dialect::Postgres,
+  r = Rewrite(Dialect::Postgres,
           "select 合同ID from fwhd where 合同日期>=#2012-3-1# and 合同日期<#04/01/2012#");
   ASSERT_TRUE(r.ok) << r.error;
   EXPECT_EQ(r.sql, "select 合同ID from fwhd where 合同日期>=$1 and 合同日期<$2");
   EXPECT_EQ(r.params, (std::vector<std::string>{"2012-03-01", "2012-04-01"}));
 
   // A date column compared with a quoted short date is normalised the same way.
-  r = Run(Dialect::Sqlite, "select 1 from fwhd where 合同日期='2012-3-5'");
+  r = Rewrite(Dialect::Sqlite, "select 1 from fwhd where 合同日期='2012-3-5'");
   ASSERT_TRUE(r.ok) << r.error;
   EXPECT_EQ(r.params, std::vector<std::string>{"2012-03-05"});
 }
 
 TEST(SqlRewriter, TextsJoinedByPlusOrAmpersandUseTheConcatenationOperator) {
-  auto r = Run(Dialect::Sqlite, "select 编号+' '+名称, 金额+1, 编号 & 名称 from t");
+  auto r = Rewrite(Dialect::Sqlite, "select 编号+' '+名称, 金额+1, 编号 & 名称 from t");
   ASSERT_TRUE(r.ok) << r.error;
   EXPECT_EQ(r.sql, "select 编号||' '||名称, 金额+1, 编号 || 名称 from t");
 }
 
 TEST(SqlRewriter, LiftsComparedAndInsertedLiteralsAndLeavesOthers) {
-  auto r = Run(Dialect::Postgres,
+  auto r = Rewrite(Dialect::Postgres,
                "insert into fwhd (合同ID,合同编号,合同日期,金额,是否已收) values (12,'HT''01',#2012-10-11#,-3.5,'1')");
   ASSERT_TRUE(r.ok) << r.error;
   EXPECT_EQ(r.sql, "insert into fwhd (合同ID,合同编号,合同日期,金额,是否已收) values ($1,$2,$3,$4,$5)");
   EXPECT_EQ(r.params, (std::vector<std::string>{"12", "HT'01", "2012-10-11", "-3.5", "1"}));
 
   // Literals in the select list or in expressions keep their place: their type is the text's.
-  r = Run(Dialect::Sqlite, "select 'x' as a, 0 as b from t where 金额 > 1 + 2 and 名称 like '%张%'");
+  r = Rewrite(Dialect::Sqlite, "select 'x' as a, 0 as b from t where 金额 > 1 + 2 and 名称 like '%张%'");
   ASSERT_TRUE(r.ok) << r.error;
   EXPECT_EQ(r.sql, "select 'x' as a, 0 as b from t where 金额 > 1 + 2 and 名称 like ?");
   EXPECT_EQ(r.params, std::vector<std::string>{"%张%"});
 }
 
 TEST(SqlRewriter, PostgresComparesLikeWithoutRegardToCaseAsJetDoes) {
-  auto r = Run(Dialect::Postgres, "select 1 from t where 名称 like 'ab%'");
+  auto r = Rewrite(Dialect::Postgres, "select 1 from t where 名称 like 'ab%'");
   ASSERT_TRUE(r.ok) << r.error;
   EXPECT_EQ(r.sql, "select 1 from t where 名称 ilike $1");
-  r = Run(Dialect::Postgres, "select Date(), Now() from t");
+  r = Rewrite(Dialect::Postgres, "select Date(), Now() from t");
   ASSERT_TRUE(r.ok) << r.error;
   EXPECT_EQ(r.sql, "select current_date, localtimestamp from t");
 }
@@ -137,7 +137,7 @@ TEST(SqlRewriter, PostgresComparesLikeWithoutRegardToCaseAsJetDoes) {
 TEST(SqlRewriter, TextInsideLiteralsIsNeverRewritten) {
   const std::string tricky = "select top 1 名称 from t where 名称='top 5 #1# -- ; + '' [x]'";
   for (Dialect d : {Dialect::Sqlite, Dialect::Postgres}) {
-    auto r = Run(d, tricky);
+    auto r = Rewrite(d, tricky);
     ASSERT_TRUE(r.ok) << r.error;
     EXPECT_EQ(r.params, std::vector<std::string>{"top 5 #1# -- ; + ' [x]"});
   }
@@ -156,8 +156,10 @@ TEST(SqlRewriter, SurvivesArbitraryBytes) {
       junk.push_back(alphabet[(x >> 16) % (sizeof(alphabet) - 1)]);
     }
     for (Dialect d : {Dialect::Sqlite, Dialect::Postgres}) {
-      auto r = Run(d, junk);
-      if (!r.ok) EXPECT_FALSE(r.error.empty()) << junk;
+      auto r = Rewrite(d, junk);
+      if (!r.ok) {
+        EXPECT_FALSE(r.error.empty()) << junk;
+      }
     }
   }
 }

@@ -1,0 +1,129 @@
+// The host's C++ API and its services to the module, on both engines.
+#include "kvhost/host.h"
+
+#include <gtest/gtest.h>
+
+#include "kvhost/host_context.h"
+#include "mrvk/registry.h"
+#include "support/engines.h"
+#include "support/probe_sheet.h"
+
+namespace kvhost {
+namespace {
+
+class HostTest : public kvtest::EngineTest {
+ protected:
+  void SetUp() override {
+    kvtest::EngineTest::SetUp();
+    kvtest::RegisterProbeSheet();
+  }
+  mrvk::Date Day(const char* text) { return *mrvk::ParseDate(text); }
+};
+
+TEST_P(HostTest, ScriptedAnswersDriveTheModulesBoxes) {
+  Screen* s = host().open("ProbeSheet", 870004, 0);
+  ASSERT_TRUE(s) << host().last_error();
+  host().ui().inputs.push_back("李四");
+  mrvk::Variant result;
+  ASSERT_TRUE(host().invoke(*s, "FileSave", {}, result).ok());
+  EXPECT_EQ(result.AsBool(), true);
+  ASSERT_EQ(host().ui().shown.size(), 1u);
+  EXPECT_EQ(host().ui().shown[0].prompt, "名称:");
+  // A box nobody scripted is an error answer, not a hang or a crash.
+  Status st = host().invoke(*s, "FileDelete", {}, result);
+  EXPECT_FALSE(st.ok());
+  EXPECT_NE(st.message().find("unscripted message box: 确实要删除吗？"), std::string::npos);
+  EXPECT_EQ(Scalar("select count(*) from fwyz"), "1");
+  host().ui().answers.push_back(mrvk::msgbox::kYes);
+  ASSERT_TRUE(host().invoke(*s, "FileDelete", {}, result).ok());
+  EXPECT_EQ(Scalar("select count(*) from fwyz"), "0");
+  EXPECT_TRUE(host().close(s->id).ok());
+  EXPECT_FALSE(host().close(s->id).ok());
+}
+
+TEST_P(HostTest, EveryDocumentedClassIsKnownAndUnbuiltOnesSaySo) {
+  for (const mrvk::ClassInfo& c : mrvk::ClassTable()) {
+    std::string error;
+    auto obj = mrvk::CreateObject(c.name, error);
+    if (obj) continue;  // built already
+    EXPECT_FALSE(error.empty()) << c.name;
+    EXPECT_EQ(error.find("unknown class"), std::string::npos) << c.name;
+  }
+  EXPECT_EQ(mrvk::ClassTable().size(), 48u);
+  EXPECT_EQ(host().open("NoSuch", 1, 0), nullptr);
+  EXPECT_EQ(host().last_error(), "unknown class \"NoSuch\"");
+}
+
+TEST_P(HostTest, BillCodePreviewDoesNotConsumeANumber) {
+  HostContext& ctx = host().context();
+  std::string a, b;
+  ASSERT_TRUE(ctx.BillCode(870201, Day("2012-10-11"), a, /*preview=*/true));
+  ASSERT_TRUE(ctx.BillCode(870201, Day("2012-10-20"), b, /*preview=*/true));
+  EXPECT_EQ(a, "HT2012100001");
+  EXPECT_EQ(a, b);
+  // Saving draws it; the next preview shows the one after.
+  std::string saved = a;
+  ASSERT_TRUE(ctx.BillCode(870201, Day("2012-10-11"), saved, /*preview=*/false));
+  EXPECT_EQ(saved, "HT2012100001");
+  ASSERT_TRUE(ctx.BillCode(870201, Day("2012-10-11"), b, /*preview=*/true));
+  EXPECT_EQ(b, "HT2012100002");
+  // Another function and another month count on their own.
+  ASSERT_TRUE(ctx.BillCode(870301, Day("2012-10-11"), b, /*preview=*/true));
+  EXPECT_EQ(b, "SK2012100001");
+  ASSERT_TRUE(ctx.BillCode(870201, Day("2012-11-01"), b, /*preview=*/true));
+  EXPECT_EQ(b, "HT2012110001");
+}
+
+TEST_P(HostTest, TwoClerksWhoPreviewedTheSameNumberSaveDifferentOnes) {
+  HostContext& ctx = host().context();
+  auto other = NewHost();
+  std::string first, second;
+  ASSERT_TRUE(ctx.BillCode(870301, Day("2012-10-11"), first, true));
+  ASSERT_TRUE(other->context().BillCode(870301, Day("2012-10-11"), second, true));
+  ASSERT_EQ(first, second);
+  ASSERT_TRUE(ctx.BillCode(870301, Day("2012-10-11"), first, false));
+  ASSERT_TRUE(other->context().BillCode(870301, Day("2012-10-11"), second, false));
+  EXPECT_NE(first, second);
+  // A number the clerk typed in a form of their own is kept as typed.
+  std::string typed = "合同-甲-7";
+  ASSERT_TRUE(ctx.BillCode(870301, Day("2012-10-11"), typed, false));
+  EXPECT_EQ(typed, "合同-甲-7");
+}
+
+TEST_P(HostTest, ReleasingTheLastNumberGivesItBack) {
+  HostContext& ctx = host().context();
+  std::string a, b;
+  ASSERT_TRUE(ctx.BillCode(870201, Day("2012-10-11"), a, false));
+  ASSERT_TRUE(ctx.BillCode(870201, Day("2012-10-11"), b, false));
+  EXPECT_TRUE(ctx.ReleaseBillCode(870201, Day("2012-10-11"), a));  // not the last: stays used
+  std::string next;
+  ASSERT_TRUE(ctx.BillCode(870201, Day("2012-10-11"), next, true));
+  EXPECT_EQ(next, "HT2012100003");
+  EXPECT_TRUE(ctx.ReleaseBillCode(870201, Day("2012-10-11"), b));
+  ASSERT_TRUE(ctx.BillCode(870201, Day("2012-10-11"), next, true));
+  EXPECT_EQ(next, b);
+}
+
+TEST_P(HostTest, OptionsAndEnvironmentReachTheModule) {
+  host().options()["befmonth"] = "3";
+  HostContext& ctx = host().context();
+  EXPECT_EQ(ctx.GetOption(mrvk::Variant("befmonth")).Value, "3");
+  EXPECT_EQ(ctx.GetOption(mrvk::Variant("missing")).Value, "");
+  EXPECT_EQ(ctx.Environment().UserName(), "张三");
+  EXPECT_EQ(ctx.Environment().LoginDate().ToText(), "2012-10-11");
+}
+
+TEST(HostConfig, RejectsABadLoginDateAndABadDatabase) {
+  Host bad_date({.database = "sqlite://", .login_date = "2012-02-30"});
+  EXPECT_FALSE(bad_date.status().ok());
+  EXPECT_NE(bad_date.status().message().find("2012-02-30"), std::string::npos);
+  Host bad_db({.database = "oracle://x", .user = "", .login_date = "", .app_path = ""});
+  EXPECT_FALSE(bad_db.status().ok());
+  EXPECT_EQ(bad_db.open("PDMLy", 870001, 0), nullptr);
+  EXPECT_FALSE(bad_db.create_schema().ok());
+}
+
+MRVK_ON_BOTH_ENGINES(HostTest);
+
+}  // namespace
+}  // namespace kvhost

@@ -1,0 +1,227 @@
+// The screen protocol, driven as a front end drives it, on both engines.
+#include "kvhost/protocol.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "support/engines.h"
+#include "support/probe_sheet.h"
+
+namespace kvhost {
+namespace {
+
+using nlohmann::json;
+
+class ProtocolTest : public kvtest::EngineTest {
+ protected:
+  void SetUp() override {
+    kvtest::EngineTest::SetUp();
+    if (IsSkipped() || HasFatalFailure()) return;
+    kvtest::RegisterProbeSheet();
+    json a = Send({{"op", "session"}, {"database", url()}, {"user", "张三"}, {"login_date", "2012-10-11"}});
+    ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
+  }
+  json Send(const json& req) { return driver_.Handle(req); }
+  json SendLine(const std::string& line) { return json::parse(driver_.HandleLine(line)); }
+  int OpenProbe(int record = 0) {
+    json a = Send({{"op", "open"}, {"class", "ProbeSheet"}, {"progID", 870004}, {"record", record}});
+    EXPECT_TRUE(a["ok"].get<bool>()) << a.dump();
+    return a["result"].get<int>();
+  }
+  std::string Count() {
+    json a = Send({{"op", "sql"}, {"query", "select count(*) from fwyz"}});
+    EXPECT_TRUE(a["ok"].get<bool>()) << a.dump();
+    return a["result"]["rows"][0][0].dump();
+  }
+
+  ProtocolDriver driver_;
+};
+
+TEST_P(ProtocolTest, SqlAnswersTheOwnersMenuEntry) {
+  json a = SendLine(R"({"op":"sql","query":"select top 1 menuname from xt_menu where progID=870004"})");
+  ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
+  EXPECT_EQ(a["result"]["rows"], json::array({json::array({"业主信息"})}));
+  EXPECT_EQ(a["events"], json::array());
+}
+
+TEST_P(ProtocolTest, SqlIsReadOnly) {
+  for (const char* q : {"delete from xt_menu", "update xt_menu set menuname='x'",
+                        "select 1 from xt_menu; delete from xt_menu"}) {
+    json a = Send({{"op", "sql"}, {"query", q}});
+    EXPECT_FALSE(a["ok"].get<bool>()) << q;
+    EXPECT_FALSE(a["error"].get<std::string>().empty());
+  }
+  json a = Send({{"op", "sql"}, {"query", "select count(*) from xt_menu where progID=870004"}});
+  EXPECT_EQ(a["result"]["rows"][0][0], 1);
+}
+
+TEST_P(ProtocolTest, OpenRunsTheDocumentedCallOrderAndReportsEvents) {
+  json a = Send({{"op", "open"}, {"class", "ProbeSheet"}, {"progID", 870004}, {"record", 0}});
+  ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
+  const int s = a["result"].get<int>();
+  ASSERT_EQ(a["events"].size(), 1u);
+  EXPECT_EQ(a["events"][0]["name"], "FormRefreshed");
+  EXPECT_EQ(a["events"][0]["id"], 3);
+  EXPECT_EQ(a["events"][0]["screen"], s);
+  a = Send({{"op", "call"}, {"screen", s}, {"method", "ReturnPrintName"}});
+  EXPECT_EQ(a["result"], "Init Refresh DoGetFormStatus ");
+  a = Send({{"op", "call"}, {"screen", s}, {"method", "Attributes"}, {"args", {98}}});
+  EXPECT_EQ(a["result"], "check");
+  a = Send({{"op", "call"}, {"screen", s}, {"method", "FileNewNext"}});
+  EXPECT_EQ(a["result"], false);
+  EXPECT_EQ(a["events"][0]["args"][0], "无此功能！");
+}
+
+TEST_P(ProtocolTest, AMessageBoxWaitsForItsAnswer) {
+  const int s = OpenProbe();
+  // Save asks for a name first.
+  json a = Send({{"op", "call"}, {"screen", s}, {"method", "FileSave"}});
+  ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
+  ASSERT_TRUE(a.contains("pending")) << a.dump();
+  EXPECT_EQ(a["pending"]["kind"], "inputbox");
+  EXPECT_EQ(a["pending"]["prompt"], "名称:");
+  EXPECT_FALSE(a.contains("result"));
+  // While the box waits, nothing else is taken.
+  json refused = Send({{"op", "sql"}, {"query", "select 1 from xt_menu"}});
+  EXPECT_FALSE(refused["ok"].get<bool>());
+  EXPECT_NE(refused["error"].get<std::string>().find("answer"), std::string::npos);
+  a = Send({{"op", "answer"}, {"value", "王'五"}});
+  ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
+  EXPECT_EQ(a["result"], true);
+  EXPECT_EQ(a["events"][0]["args"][0], "保存单据成功！");
+  a = Send({{"op", "sql"}, {"query", "select 业主名称 from fwyz"}});
+  EXPECT_EQ(a["result"]["rows"][0][0], "王'五");
+
+  // Delete asks yes or no: no keeps the row, yes deletes it.
+  a = Send({{"op", "call"}, {"screen", s}, {"method", "FileDelete"}});
+  ASSERT_EQ(a["pending"]["kind"], "msgbox");
+  EXPECT_EQ(a["pending"]["flags"], 52);
+  EXPECT_EQ(a["pending"]["title"], "删除");
+  json bad = Send({{"op", "answer"}, {"value", "yes"}});
+  EXPECT_FALSE(bad["ok"].get<bool>());
+  a = Send({{"op", "answer"}, {"value", 7}});
+  EXPECT_EQ(a["result"], false);
+  EXPECT_EQ(Count(), "1");
+  a = Send({{"op", "call"}, {"screen", s}, {"method", "FileDelete"}});
+  a = Send({{"op", "answer"}, {"value", 6}});
+  EXPECT_EQ(a["result"], true);
+  EXPECT_EQ(Count(), "0");
+}
+
+TEST_P(ProtocolTest, CancellingAnInputBoxSavesNothing) {
+  const int s = OpenProbe();
+  Send({{"op", "call"}, {"screen", s}, {"method", "FileSave"}});
+  json a = Send({{"op", "answer"}, {"value", nullptr}});
+  EXPECT_EQ(a["result"], false);
+  EXPECT_EQ(Count(), "0");
+}
+
+TEST_P(ProtocolTest, BadRequestsGetAClearErrorAndChangeNothing) {
+  const int s = OpenProbe();
+  struct Case {
+    std::string line;
+    std::string error_part;
+  } cases[] = {
+      {"not json", "not JSON"},
+      {"[1,2]", "JSON object"},
+      {R"({"x":1})", "missing field \"op\""},
+      {R"({"op":7})", "wrong type"},
+      {R"({"op":"launch"})", "unknown op"},
+      {R"({"op":"answer","value":6})", "nothing is waiting"},
+      {R"({"op":"open","class":"NoSuchClass"})", "unknown class"},
+      {R"({"op":"open","class":"PDMLy","progID":870001})", "not built yet"},
+      {R"({"op":"open","class":"FrmYz"})", "dialog"},
+      {R"({"op":"open","class":"ProbeSheet","progID":999})", "refused"},
+      {R"({"op":"open","class":"ProbeSheet","progID":"870004"})", "wrong type"},
+      {R"({"op":"open","class":"ProbeSheet","progID":99999999999})", "wrong type"},
+      {R"({"op":"call","screen":42,"method":"FileNew"})", "no open screen 42"},
+      {R"({"op":"call","screen":)" + std::to_string(s) + R"(,"method":"Explode"})", "unknown operation"},
+      {R"({"op":"call","screen":)" + std::to_string(s) + R"(,"method":"Init"})", "host's own call"},
+      {R"({"op":"call","screen":)" + std::to_string(s) + R"(,"method":"Find"})", "takes 1 argument"},
+      {R"({"op":"call","screen":)" + std::to_string(s) + R"(,"method":"Find","args":[[[1],[2,3]]]})", "rectangular"},
+      {R"({"op":"call","screen":)" + std::to_string(s) + R"(,"method":"Check"})", "Division by zero"},
+      {R"({"op":"gesture","screen":)" + std::to_string(s) + R"(,"control":"kvTxt","index":2,"gesture":"type","text":"A"})", "no control"},
+      {R"({"op":"sql"})", "missing field \"query\""},
+      {R"({"op":"sql","query":"select nosuch from fwyz"})", "nosuch"},
+      {R"({"op":"close","screen":-1})", "no open screen"},
+      {R"({"op":"session","database":"mysql://x"})", "unknown database URL"},
+  };
+  for (const auto& c : cases) {
+    json a = SendLine(c.line);
+    ASSERT_FALSE(a["ok"].get<bool>()) << c.line;
+    EXPECT_NE(a["error"].get<std::string>().find(c.error_part), std::string::npos)
+        << c.line << " -> " << a["error"];
+  }
+  // The session and its screen are still there.
+  json a = Send({{"op", "call"}, {"screen", s}, {"method", "GetID"}});
+  EXPECT_TRUE(a["ok"].get<bool>()) << a.dump();
+  EXPECT_EQ(Count(), "0");
+}
+
+TEST_P(ProtocolTest, FindPassesTheConditionArray) {
+  const int s = OpenProbe();
+  json cond = json::array({json::array({json::array({"", "业主名称 like", 8})}),
+                           json::array({json::array({"张", "业主名称 like", 8})})});
+  json a = Send({{"op", "call"}, {"screen", s}, {"method", "Find"}, {"args", {cond}}});
+  ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
+  EXPECT_EQ(a["events"][0]["args"][0], " 业主名称 like '%张%' ");
+}
+
+TEST_P(ProtocolTest, RandomRequestsNeverCrashOrChangeTheDatabase) {
+  const int s = OpenProbe();
+  std::mt19937 rng(20121011);
+  const std::vector<std::string> ops = {"session", "open", "call", "gesture", "answer", "state",
+                                        "sql", "close", "tool", "", "x"};
+  const std::vector<std::string> methods = {"FileNew", "FileEdit", "Refresh", "Find", "GetID",
+                                            "IsDirty", "Attributes", "Nope", ""};
+  auto random_value = [&](int depth, auto& self) -> json {
+    switch (rng() % (depth > 2 ? 5 : 7)) {
+      case 0: return nullptr;
+      case 1: return static_cast<int64_t>(rng()) - (1LL << 31);
+      case 2: return std::string(rng() % 5, static_cast<char>('a' + rng() % 26));
+      case 3: return (rng() % 2) == 0;
+      case 4: return 0.5 * static_cast<double>(rng() % 100);
+      case 5: {
+        json arr = json::array();
+        for (unsigned i = 0; i < rng() % 4; ++i) arr.push_back(self(depth + 1, self));
+        return arr;
+      }
+      default: {
+        json obj = json::object();
+        obj["k"] = self(depth + 1, self);
+        return obj;
+      }
+    }
+  };
+  const std::string before = Count();
+  for (int i = 0; i < 400; ++i) {
+    json req = json::object();
+    if (rng() % 8) req["op"] = ops[rng() % ops.size()];
+    // Never a real session switch or a save: the fuzz must leave the database alone.
+    if (req.value("op", "") == "session") req["database"] = random_value(0, random_value);
+    if (rng() % 2) req["screen"] = (rng() % 3) ? json(s) : random_value(0, random_value);
+    if (rng() % 2) req["method"] = methods[rng() % methods.size()];
+    if (rng() % 2) req["args"] = random_value(0, random_value);
+    if (rng() % 3 == 0) req["class"] = random_value(0, random_value);
+    if (rng() % 3 == 0) req["value"] = random_value(0, random_value);
+    if (rng() % 3 == 0) req["query"] = random_value(0, random_value);
+    json a = Send(req);
+    ASSERT_TRUE(a.is_object() && a.contains("ok")) << req.dump();
+    if (a.contains("pending")) Send({{"op", "answer"}, {"value", nullptr}});
+    if (!a["ok"].get<bool>()) {
+      EXPECT_FALSE(a["error"].get<std::string>().empty()) << req.dump();
+    }
+  }
+  // The fuzz may have closed the probe or opened others, but the database is as it was.
+  json a = Send({{"op", "session"}, {"database", url()}});
+  ASSERT_TRUE(a["ok"].get<bool>());
+  EXPECT_EQ(Count(), before);
+  a = Send({{"op", "sql"}, {"query", "select count(*) from xt_menu"}});
+  EXPECT_GT(a["result"]["rows"][0][0].get<int>(), 30);
+}
+
+MRVK_ON_BOTH_ENGINES(ProtocolTest);
+
+}  // namespace
+}  // namespace kvhost

@@ -1,0 +1,124 @@
+#include "support/probe_sheet.h"
+
+#include "mrvk/frame/data_access.h"
+#include "mrvk/frame/vb.h"
+#include "mrvk/registry.h"
+
+namespace kvtest {
+namespace {
+
+using mrvk::Variant;
+
+class ProbeSheet : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk::IDesignUI {
+ public:
+  std::string ClassName() const override { return "ProbeSheet"; }
+
+  bool Init(mrvk::IHostContext& context, int32_t progID, int32_t record_id) override {
+    ctx_ = &context;
+    prog_ = progID;
+    id_ = record_id;
+    calls_ += "Init ";
+    return progID != 999;  // a progID of 999 is refused, to test a failed open
+  }
+  bool Clear() override { return true; }
+  bool FileNew() override {
+    std::string code;
+    ctx_->BillCode(prog_, ctx_->Environment().LoginDate(), code, /*preview=*/true);
+    RaiseEvent("Message", mrvk::event_id::kMessage, {Variant(code)});
+    return true;
+  }
+  bool FileNewNext() override {
+    RaiseEvent("Message", mrvk::event_id::kMessage, {Variant("无此功能！")});
+    return false;
+  }
+  bool FileEdit() override { return false; }
+  // Asks before deleting; only yes deletes.
+  bool FileDelete() override {
+    if (mrvk::MsgBox("确实要删除吗？", mrvk::msgbox::kYesNoWarning, "删除") != mrvk::msgbox::kYes)
+      return false;
+    auto& db = ctx_->Database();
+    db.CreateCommand("delete from fwyz where 业主ID=" + std::to_string(id_), 1)->Execute();
+    return db.Error().Description().empty();
+  }
+  // Asks for a name, then saves a party under a new key.
+  bool FileSave() override {
+    const std::string name = mrvk::InputBox("名称:", "保存", "");
+    if (name.empty()) return false;
+    auto& db = ctx_->Database();
+    int32_t id = 0;
+    std::string why = NewKey(id);
+    if (!why.empty()) {
+      RaiseEvent("ErrMessage", mrvk::event_id::kErrMessage, {Variant(why), Variant(8), Variant("探针")});
+      return false;
+    }
+    db.CreateCommand("insert into fwyz (业主ID,业主编号,业主名称,类型) values (" +
+                         std::to_string(id) + ",'P" + std::to_string(id) + "'," +
+                         mrvk::SqlQuoted(name) + ",0)",
+                     1)
+        ->Execute();
+    if (!db.Error().Description().empty()) return false;
+    id_ = id;
+    RaiseEvent("Message", mrvk::event_id::kMessage, {Variant("保存单据成功！")});
+    return true;
+  }
+  bool FileCancel() override { return true; }
+  bool Find(const Variant& conditions) override {
+    auto text = mrvk::ConditionText(conditions, 1, mrvk::IsJet(ctx_->Database()));
+    if (text) RaiseEvent("Message", mrvk::event_id::kMessage, {Variant(*text)});
+    return true;
+  }
+  bool FindNext() override { return false; }
+  bool Filter(const Variant&) override { return true; }
+  bool Refresh() override {
+    calls_ += "Refresh ";
+    RaiseEvent("FormRefreshed", mrvk::event_id::kFormRefreshed);
+    return true;
+  }
+  bool RecordTop() override { return false; }
+  bool RecordPrevious() override { return false; }
+  bool RecordNext() override { return false; }
+  bool RecordBottom() override { return false; }
+  // A run-time failure escaping the module: the host must turn it into an error answer.
+  bool Check() override { throw mrvk::VbError(mrvk::vb_error::kDivisionByZero, "Division by zero"); }
+  bool UnCheck() override { return false; }
+  bool PrintPreview() override { return false; }
+  bool DoPrint() override { return false; }
+  bool PrintSetup() override { return false; }
+  bool Help() override { return false; }
+  bool DoSetStatus(const std::string&, bool) override { return false; }
+  int32_t GetID() override { return id_; }
+  bool CheckStatus(const std::string&) override { return false; }
+  std::string ReturnPrintName() override { return calls_; }
+  bool IsDirty() override { return false; }
+  void DoGetFormStatus() override { calls_ += "DoGetFormStatus "; }
+  void DoSaveFormStatus() override {}
+  std::string Attributes(int32_t key) override { return key == 98 ? "check" : ""; }
+  void SetParameters(std::shared_ptr<mrvk::IParameters>) override {}
+
+ private:
+  std::string NewKey(int32_t& id);
+  mrvk::IHostContext* ctx_ = nullptr;
+  int32_t prog_ = 0;
+  int32_t id_ = 0;
+  std::string calls_;
+};
+
+}  // namespace
+}  // namespace kvtest
+
+#include "kvhost/lib/bill_data.h"
+
+namespace kvtest {
+namespace {
+std::string ProbeSheet::NewKey(int32_t& id) {
+  kvhost::BillData bill;
+  bill.Database(&ctx_->Database());
+  return bill.NewID("fwyz", "业主ID", id);
+}
+}  // namespace
+
+void RegisterProbeSheet() {
+  mrvk::RegisterClass("ProbeSheet", [] { return std::make_unique<ProbeSheet>(); });
+}
+
+}  // namespace kvtest
