@@ -1,0 +1,16 @@
+# Fails when the module (src/mrvk) includes any part of the host but kvhost/lib, the host's
+# type library that the module may reference.
+file(GLOB_RECURSE module_files "${SOURCE_DIR}/src/mrvk/*.h" "${SOURCE_DIR}/src/mrvk/*.cpp")
+set(offenders "")
+foreach(f ${module_files})
+  file(STRINGS "${f}" lines REGEX "^[ \t]*#[ \t]*include[ \t]*[\"<]kvhost/")
+  foreach(line ${lines})
+    if(NOT line MATCHES "kvhost/lib/")
+      list(APPEND offenders "${f}: ${line}")
+    endif()
+  endforeach()
+endforeach()
+if(offenders)
+  string(REPLACE ";" "\n" text "${offenders}")
+  message(FATAL_ERROR "The module may include only kvhost/lib of the host:\n${text}")
+endif()

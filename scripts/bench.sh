@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Builds and runs the benchmarks (Release), with a throwaway PostgreSQL cluster unless
+# MRVK_TEST_PG names one. Extra arguments go to every benchmark binary.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+build=${MRVK_BENCH_BUILD_DIR:-build-bench}
+cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DMRVK_BUILD_TESTS=OFF >/dev/null
+cmake --build "$build" -j "$(nproc)"
+if [ -z "${MRVK_TEST_PG:-}" ]; then
+  url=$(scripts/pg-cluster.sh start)
+  cluster=$(echo "$url" | sed -E 's/.*host=([^&]+).*/\1/')
+  export MRVK_TEST_PG="$url"
+  trap 'scripts/pg-cluster.sh stop "$cluster"' EXIT
+fi
+for b in "$build"/bench/*_bench; do
+  echo "== $(basename "$b")"
+  "$b" "$@"
+done
