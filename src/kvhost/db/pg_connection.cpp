@@ -9,6 +9,7 @@ namespace kvhost::db {
 namespace {
 
 constexpr size_t kStatementCacheSize = 256;
+constexpr int kKeyBlockSize = 32;
 
 // Type oids of the values we read back.
 constexpr Oid kBoolOid = 16;
@@ -195,16 +196,25 @@ std::string PgConnection::SequenceName(const std::string& table, const std::stri
 
 Status PgConnection::NewId(const std::string& table, const std::string& column, int32_t& id) {
   // Sequences never hand a value out twice, whatever other sessions do, and are not undone
-  // by a rollback: keys may leave gaps but are never reused.
-  RewrittenSql stmt;
-  stmt.sql = "SELECT nextval(to_regclass($1))";
-  stmt.params = {{SqlParam::Kind::Text, "\"" + SequenceName(table, column) + "\""}};
-  ResultSet rs;
-  Status s = Query(stmt, rs);
-  if (!s.ok()) return Status::Error("NewID(" + table + "," + column + "): " + s.message());
-  if (rs.rows() == 0 || rs.values[0].IsNull())
-    return Status::Error("NewID: no key source for " + table + "." + column);
-  id = static_cast<int32_t>(rs.values[0].ToDouble());
+  // by a rollback: keys may leave gaps but are never reused. A connection draws a block of
+  // values in one round trip and hands them out one by one, so a save of many rows pays one
+  // round trip per block, not per key.
+  KeyBlock& block = key_blocks_[table + '\x01' + column];
+  if (block.next >= block.values.size()) {
+    RewrittenSql stmt;
+    stmt.sql = "SELECT nextval(to_regclass($1)) FROM generate_series(1, $2)";
+    stmt.params = {{SqlParam::Kind::Text, "\"" + SequenceName(table, column) + "\""},
+                   {SqlParam::Kind::Integer, std::to_string(kKeyBlockSize)}};
+    ResultSet rs;
+    Status s = Query(stmt, rs);
+    if (!s.ok()) return Status::Error("NewID(" + table + "," + column + "): " + s.message());
+    if (rs.rows() == 0 || rs.values[0].IsNull())
+      return Status::Error("NewID: no key source for " + table + "." + column);
+    block.values.clear();
+    for (const auto& v : rs.values) block.values.push_back(static_cast<int32_t>(v.ToDouble()));
+    block.next = 0;
+  }
+  id = block.values[block.next++];
   return Status::Ok();
 }
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "kvhost/db/connection.h"
 
@@ -39,7 +40,12 @@ class PgConnection : public Connection {
     std::string name;
     uint64_t last_use;
   };
+  struct KeyBlock {
+    std::vector<int32_t> values;
+    size_t next = 0;
+  };
   PGconn* conn_ = nullptr;
+  std::unordered_map<std::string, KeyBlock> key_blocks_;
   std::unordered_map<std::string, CacheEntry> cache_;
   uint64_t tick_ = 0;
   uint64_t next_name_ = 0;
