@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <deque>
 #include <map>
 #include <optional>
 #include <unordered_map>
@@ -17,23 +18,54 @@ namespace {
 enum class Tok { Space, Word, Number, String, Punct };
 
 struct Token {
-  Token(Tok k, std::string t) : kind(k), text(std::move(t)) {}
+  Token(Tok k, std::string_view t) : kind(k), text(t) {}
   Tok kind;
-  std::string text;     // Word: the name; Number: digits; String: the value, unquoted; Punct
+  // A view into the statement, or into the rewrite's arena for texts made here.
+  // Word: the name; Number: digits; String: the value, unquoted; Punct: the operator.
+  std::string_view text;
   bool is_date = false;  // a String that came from a #date# literal
   bool removed = false;
   std::string suffix;   // text emitted after the token (e.g. a LIMIT clause)
   int param = -1;       // index into params when the literal was lifted
 };
 
-std::string Lower(std::string_view s) {
-  std::string out(s);
-  for (char& c : out) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return out;
+char LowerChar(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
+
+// a equals the lower-case word w without regard to ASCII case.
+bool IEquals(std::string_view a, std::string_view w) {
+  if (a.size() != w.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (LowerChar(a[i]) != w[i]) return false;
+  }
+  return true;
 }
 
-bool IsWordStart(unsigned char c) { return std::isalpha(c) || c == '_' || c >= 0x80; }
-bool IsWordChar(unsigned char c) { return std::isalnum(c) || c == '_' || c >= 0x80 || c == '$'; }
+// Hashing and comparing names without regard to ASCII case, for lookups without copies.
+struct CaseInsensitiveHash {
+  using is_transparent = void;
+  size_t operator()(std::string_view s) const {
+    size_t h = 1469598103934665603ull;
+    for (char c : s) h = (h ^ static_cast<unsigned char>(LowerChar(c))) * 1099511628211ull;
+    return h;
+  }
+};
+struct CaseInsensitiveEqual {
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const {
+    if (a.size() != b.size()) return false;
+    for (size_t i = 0; i < a.size(); ++i) {
+      if (LowerChar(a[i]) != LowerChar(b[i])) return false;
+    }
+    return true;
+  }
+};
+
+inline bool Is(std::string_view t, char c) { return t.size() == 1 && t[0] == c; }
+inline bool IsDigit(unsigned char c) { return c >= '0' && c <= '9'; }
+inline bool IsWordStart(unsigned char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c >= 0x80;
+}
+inline bool IsWordChar(unsigned char c) { return IsWordStart(c) || IsDigit(c) || c == '$'; }
 
 // Jet accepts #yyyy-mm-dd#, #yyyy/m/d# and the US form #m/d/yyyy#.
 std::optional<std::string> NormalizeJetDate(std::string_view text) {
@@ -48,7 +80,16 @@ std::optional<std::string> NormalizeJetDate(std::string_view text) {
   return std::nullopt;
 }
 
-bool Tokenize(std::string_view sql, std::vector<Token>& out, std::string& error) {
+// Texts made while rewriting (unescaped literals, normalised dates); a deque keeps their
+// addresses stable while tokens point at them.
+using Arena = std::deque<std::string>;
+
+std::string_view Keep(Arena& arena, std::string text) {
+  arena.push_back(std::move(text));
+  return arena.back();
+}
+
+bool Tokenize(std::string_view sql, std::vector<Token>& out, Arena& arena, std::string& error) {
   size_t i = 0;
   const size_t n = sql.size();
   while (i < n) {
@@ -56,32 +97,40 @@ bool Tokenize(std::string_view sql, std::vector<Token>& out, std::string& error)
     if (c == ' ' || c == '\t' || c == '\r' || c == '\n') {
       size_t j = i;
       while (j < n && (sql[j] == ' ' || sql[j] == '\t' || sql[j] == '\r' || sql[j] == '\n')) ++j;
-      out.emplace_back(Tok::Space, std::string(sql.substr(i, j - i)));
+      out.emplace_back(Tok::Space, sql.substr(i, j - i));
       i = j;
     } else if (c == '\'' || c == '"') {
       const char q = static_cast<char>(c);
-      std::string value;
       size_t j = i + 1;
       bool closed = false;
+      bool doubled = false;
       while (j < n) {
         if (sql[j] == q) {
           if (j + 1 < n && sql[j + 1] == q) {
-            value.push_back(q);
+            doubled = true;
             j += 2;
             continue;
           }
           closed = true;
-          ++j;
           break;
         }
-        value.push_back(sql[j++]);
+        ++j;
       }
       if (!closed) {
         error = "unterminated text literal";
         return false;
       }
-      out.emplace_back(Tok::String, std::move(value));
-      i = j;
+      std::string_view value = sql.substr(i + 1, j - i - 1);
+      if (doubled) {
+        std::string unescaped;
+        for (size_t k = 0; k < value.size(); ++k) {
+          unescaped.push_back(value[k]);
+          if (value[k] == q) ++k;  // the second of a doubled quote
+        }
+        value = Keep(arena, std::move(unescaped));
+      }
+      out.emplace_back(Tok::String, value);
+      i = j + 1;
     } else if (c == '#') {
       const size_t close = sql.find('#', i + 1);
       if (close == std::string_view::npos) {
@@ -94,9 +143,8 @@ bool Tokenize(std::string_view sql, std::vector<Token>& out, std::string& error)
         error = "not a date: #" + std::string(raw) + "#";
         return false;
       }
-      Token t{Tok::String, *date};
-      t.is_date = true;
-      out.push_back(std::move(t));
+      out.emplace_back(Tok::String, Keep(arena, std::move(*date)));
+      out.back().is_date = true;
       i = close + 1;
     } else if (c == '[') {
       const size_t close = sql.find(']', i + 1);
@@ -111,21 +159,21 @@ bool Tokenize(std::string_view sql, std::vector<Token>& out, std::string& error)
         error = "bracketed name not supported: [" + std::string(name) + "]";
         return false;
       }
-      out.emplace_back(Tok::Word, std::string(name));
+      out.emplace_back(Tok::Word, name);
       i = close + 1;
-    } else if (std::isdigit(c) ||
-               (c == '.' && i + 1 < n && std::isdigit(static_cast<unsigned char>(sql[i + 1])))) {
+    } else if (IsDigit(c) ||
+               (c == '.' && i + 1 < n && IsDigit(static_cast<unsigned char>(sql[i + 1])))) {
       size_t j = i;
-      while (j < n && std::isdigit(static_cast<unsigned char>(sql[j]))) ++j;
+      while (j < n && IsDigit(static_cast<unsigned char>(sql[j]))) ++j;
       if (j < n && sql[j] == '.') {
         ++j;
-        while (j < n && std::isdigit(static_cast<unsigned char>(sql[j]))) ++j;
+        while (j < n && IsDigit(static_cast<unsigned char>(sql[j]))) ++j;
       }
       if (j < n && (sql[j] == 'e' || sql[j] == 'E')) {
         size_t k = j + 1;
         if (k < n && (sql[k] == '+' || sql[k] == '-')) ++k;
-        if (k < n && std::isdigit(static_cast<unsigned char>(sql[k]))) {
-          while (k < n && std::isdigit(static_cast<unsigned char>(sql[k]))) ++k;
+        if (k < n && IsDigit(static_cast<unsigned char>(sql[k]))) {
+          while (k < n && IsDigit(static_cast<unsigned char>(sql[k]))) ++k;
           j = k;
         }
       }
@@ -133,12 +181,12 @@ bool Tokenize(std::string_view sql, std::vector<Token>& out, std::string& error)
         error = "malformed number near \"" + std::string(sql.substr(i, j - i + 1)) + "\"";
         return false;
       }
-      out.emplace_back(Tok::Number, std::string(sql.substr(i, j - i)));
+      out.emplace_back(Tok::Number, sql.substr(i, j - i));
       i = j;
     } else if (IsWordStart(c)) {
       size_t j = i;
       while (j < n && IsWordChar(static_cast<unsigned char>(sql[j]))) ++j;
-      out.emplace_back(Tok::Word, std::string(sql.substr(i, j - i)));
+      out.emplace_back(Tok::Word, sql.substr(i, j - i));
       i = j;
     } else {
       if ((c == '-' && i + 1 < n && sql[i + 1] == '-') ||
@@ -146,18 +194,14 @@ bool Tokenize(std::string_view sql, std::vector<Token>& out, std::string& error)
         error = "comments are not accepted in a statement";
         return false;
       }
-      static const std::string_view kTwo[] = {"<=", ">=", "<>", "!=", "||"};
-      std::string op;
-      for (auto two : kTwo) {
-        if (sql.substr(i, 2) == two) op = two;
-      }
-      if (op.empty()) {
-        if (std::string_view("(),.=<>+-*/%&;").find(static_cast<char>(c)) ==
-            std::string_view::npos) {
-          error = std::string("unexpected character '") + static_cast<char>(c) + "'";
-          return false;
-        }
-        op = std::string(1, static_cast<char>(c));
+      std::string_view op = sql.substr(i, 1);
+      const std::string_view two = sql.substr(i, 2);
+      if (two == "<=" || two == ">=" || two == "<>" || two == "!=" || two == "||") {
+        op = two;
+      } else if (std::string_view("(),.=<>+-*/%&;").find(static_cast<char>(c)) ==
+                 std::string_view::npos) {
+        error = std::string("unexpected character '") + static_cast<char>(c) + "'";
+        return false;
       }
       out.emplace_back(Tok::Punct, op);
       i += op.size();
@@ -166,17 +210,17 @@ bool Tokenize(std::string_view sql, std::vector<Token>& out, std::string& error)
   return true;
 }
 
-bool IsComparison(const std::string& p) {
+bool IsComparison(std::string_view p) {
   return p == "=" || p == "<>" || p == "!=" || p == "<" || p == ">" || p == "<=" || p == ">=";
 }
 
 bool IsArithmetic(const Token& t) {
   return t.kind == Tok::Punct &&
-         (t.text == "+" || t.text == "-" || t.text == "*" || t.text == "/" || t.text == "%" ||
-          t.text == "&" || t.text == "||");
+         (Is(t.text, '+') || Is(t.text, '-') || Is(t.text, '*') || Is(t.text, '/') || Is(t.text, '%') ||
+          Is(t.text, '&') || t.text == "||");
 }
 
-std::string QuoteText(const std::string& value) {
+std::string QuoteText(std::string_view value) {
   std::string out = "'";
   for (char c : value) {
     out.push_back(c);
@@ -190,13 +234,13 @@ std::string QuoteText(const std::string& value) {
 
 ColumnTypeLookup SchemaColumnTypes() {
   // name -> type, or nullopt when the name has different types in different tables.
-  auto types = std::make_shared<std::unordered_map<std::string, std::optional<ColType>>>();
+  auto types = std::make_shared<std::unordered_map<std::string, std::optional<ColType>,
+                                                    CaseInsensitiveHash, CaseInsensitiveEqual>>();
   for (const TableDef& table : Tables()) {
     for (const ColumnDef& col : table.columns) {
-      const std::string key = Lower(col.name);
-      auto it = types->find(key);
+      auto it = types->find(col.name);
       if (it == types->end()) {
-        types->emplace(key, col.type);
+        types->emplace(std::string(col.name), col.type);
       } else if (it->second && *it->second != col.type) {
         // Long and Flag are both whole numbers; anything else conflicting is unknown.
         const bool both_whole = (*it->second == ColType::Long || *it->second == ColType::Flag) &&
@@ -208,7 +252,7 @@ ColumnTypeLookup SchemaColumnTypes() {
     }
   }
   return [types](std::string_view name) -> std::optional<ColType> {
-    auto it = types->find(Lower(name));
+    auto it = types->find(name);
     if (it == types->end()) return std::nullopt;
     return it->second;
   };
@@ -220,17 +264,20 @@ SqlRewriter::SqlRewriter(Dialect dialect, ColumnTypeLookup column_types)
 bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& error) const {
   out = RewrittenSql{};
   std::vector<Token> toks;
-  if (!Tokenize(sql, toks, error)) return false;
+  toks.reserve(64);
+  Arena arena;
+  if (!Tokenize(sql, toks, arena, error)) return false;
 
   // The non-blank tokens, by position in toks.
   std::vector<size_t> idx;
+  idx.reserve(toks.size());
   for (size_t i = 0; i < toks.size(); ++i) {
     if (toks[i].kind != Tok::Space) idx.push_back(i);
   }
   // A trailing ";" is dropped; anything after a ";" is a second statement and refused.
   for (size_t k = 0; k < idx.size(); ++k) {
     Token& t = toks[idx[k]];
-    if (t.kind == Tok::Punct && t.text == ";") {
+    if (t.kind == Tok::Punct && Is(t.text, ';')) {
       if (k + 1 != idx.size()) {
         error = "only one statement at a time is accepted";
         return false;
@@ -246,10 +293,11 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
   }
   auto tok = [&](size_t k) -> Token& { return toks[idx[k]]; };
   auto word_is = [&](size_t k, const char* w) {
-    return k < idx.size() && tok(k).kind == Tok::Word && Lower(tok(k).text) == w;
+    return k < idx.size() && tok(k).kind == Tok::Word && IEquals(tok(k).text, w);
   };
-  auto punct_is = [&](size_t k, const char* p) {
-    return k < idx.size() && tok(k).kind == Tok::Punct && tok(k).text == p;
+  auto punct_is = [&](size_t k, std::string_view p) {
+    return k < idx.size() && tok(k).kind == Tok::Punct && tok(k).text.size() == p.size() &&
+           tok(k).text[0] == p[0] && (p.size() == 1 || tok(k).text == p);
   };
   auto column_type = [&](size_t k) -> std::optional<ColType> {
     if (k >= idx.size() || tok(k).kind != Tok::Word || !column_types_) return std::nullopt;
@@ -269,11 +317,11 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
   };
   std::vector<Scope> scopes(1);
   // Insert column lists, to know the column of each VALUES entry.
-  std::vector<std::string> insert_columns;
+  std::vector<std::string_view> insert_columns;
   bool in_insert_columns = false;
   for (size_t k = 0; k < idx.size(); ++k) {
     Token& t = tok(k);
-    if (t.kind == Tok::Punct && t.text == "(") {
+    if (t.kind == Tok::Punct && Is(t.text, '(')) {
       Scope s;
       in_insert_columns = k >= 2 && word_is(k - 2, "into") && tok(k - 1).kind == Tok::Word &&
                           scopes.size() == 1;
@@ -281,7 +329,7 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
       scopes.push_back(s);
       continue;
     }
-    if (t.kind == Tok::Punct && t.text == ")") {
+    if (t.kind == Tok::Punct && Is(t.text, ')')) {
       if (scopes.size() == 1) {
         error = "unbalanced parentheses";
         return false;
@@ -294,7 +342,7 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
     if (in_insert_columns && t.kind == Tok::Word && scopes.size() == 2) {
       insert_columns.push_back(t.text);
     }
-    if (t.kind == Tok::Word && Lower(t.text) == "top") {
+    if (t.kind == Tok::Word && IEquals(t.text, "top")) {
       size_t before = k - 1;
       if (k > 0 && (word_is(before, "distinct") || word_is(before, "all")) && before > 0) --before;
       if (k > 0 && word_is(before, "select")) {
@@ -307,7 +355,7 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
           error = "top ... percent is not supported";
           return false;
         }
-        scopes.back().limit = tok(k + 1).text;
+        scopes.back().limit = std::string(tok(k + 1).text);
         t.removed = true;
         tok(k + 1).removed = true;
         // Drop the blanks after `top` and after the number too.
@@ -318,7 +366,7 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
         continue;
       }
     }
-    if (t.kind == Tok::Word && Lower(t.text) == "union" && !scopes.back().limit.empty()) {
+    if (t.kind == Tok::Word && IEquals(t.text, "union") && !scopes.back().limit.empty()) {
       error = "top in a select joined by union is not supported";
       return false;
     }
@@ -337,20 +385,20 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
     Token& t = tok(k);
     if (t.removed) continue;
     if (t.kind == Tok::Punct) {
-      if (t.text == "(") {
+      if (Is(t.text, '(')) {
         ++depth;
         if (k > 0 && word_is(k - 1, "values")) {
           depth_values = depth;
           values_entry = 0;
         }
-      } else if (t.text == ")") {
+      } else if (Is(t.text, ')')) {
         if (depth == depth_values) depth_values = -1;
         --depth;
-      } else if (t.text == "," && depth == depth_values) {
+      } else if (Is(t.text, ',') && depth == depth_values) {
         ++values_entry;
-      } else if (t.text == "&") {
+      } else if (Is(t.text, '&')) {
         t.text = "||";
-      } else if (t.text == "+") {
+      } else if (Is(t.text, '+')) {
         auto texty = [&](size_t j) {
           if (j >= idx.size()) return false;
           const Token& o = tok(j);
@@ -363,14 +411,13 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
       continue;
     }
     if (t.kind == Tok::Word) {
-      const std::string w = Lower(t.text);
       if (dialect_ == Dialect::Postgres) {
-        if (w == "like") t.text = "ilike";  // Jet compares without regard to case
-        if (w == "date" && punct_is(k + 1, "(") && punct_is(k + 2, ")")) {
+        if (IEquals(t.text, "like")) t.text = "ilike";  // Jet compares without regard to case
+        if (IEquals(t.text, "date") && punct_is(k + 1, "(") && punct_is(k + 2, ")")) {
           t.text = "current_date";
           tok(k + 1).removed = tok(k + 2).removed = true;
         }
-        if (w == "now" && punct_is(k + 1, "(") && punct_is(k + 2, ")")) {
+        if (IEquals(t.text, "now") && punct_is(k + 1, "(") && punct_is(k + 2, ")")) {
           t.text = "localtimestamp";
           tok(k + 1).removed = tok(k + 2).removed = true;
         }
@@ -383,27 +430,27 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
     bool negative_number = false;
     if (t.kind == Tok::Number && k > 0 && punct_is(k - 1, "-") && k > 1 &&
         (tok(k - 2).kind == Tok::Punct &&
-         (IsComparison(tok(k - 2).text) || tok(k - 2).text == "(" || tok(k - 2).text == ","))) {
+         (IsComparison(tok(k - 2).text) || Is(tok(k - 2).text, '(') || Is(tok(k - 2).text, ',')))) {
       negative_number = true;
       sign = "-";
     }
     const size_t op_pos = negative_number ? k - 2 : k - 1;
     std::optional<ColType> target;
-    std::string target_name;
+    std::string_view target_name;
     bool liftable = false;
     bool like = false;
     const bool next_ok =
         !(k + 1 < idx.size() && (IsArithmetic(tok(k + 1)) || punct_is(k + 1, ".")));
     if (k > 0 && next_ok) {
       const Token& op = tok(op_pos);
-      like = op.kind == Tok::Word && (Lower(op.text) == "like" || Lower(op.text) == "ilike");
+      like = op.kind == Tok::Word && (IEquals(op.text, "like") || IEquals(op.text, "ilike"));
       const bool cmp = (op.kind == Tok::Punct && IsComparison(op.text)) || like;
       if (cmp && op_pos > 0 && tok(op_pos - 1).kind == Tok::Word) {
         liftable = true;
         target_name = tok(op_pos - 1).text;
         target = column_type(op_pos - 1);
       } else if (depth == depth_values && op.kind == Tok::Punct &&
-                 (op.text == "(" || op.text == ",") &&
+                 (Is(op.text, '(') || Is(op.text, ',')) &&
                  (punct_is(k + 1, ",") || punct_is(k + 1, ")"))) {
         liftable = true;
         if (values_entry < static_cast<int>(insert_columns.size()) && column_types_) {
@@ -415,12 +462,13 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
     if (!liftable) continue;  // stays in the text as it stands (texts re-quoted on output)
     SqlParam param;
     if (t.kind == Tok::Number) {
-      param.text = sign + t.text;
+      param.text = sign;
+      param.text += t.text;
       param.kind = t.text.find_first_of(".eE") == std::string::npos && t.text.size() < 18
                        ? SqlParam::Kind::Integer
                        : SqlParam::Kind::Real;
     } else {
-      param.text = t.text;
+      param.text = std::string(t.text);
       param.kind = SqlParam::Kind::Text;
     }
     // A value bound for a date column must be a real date; for a numeric column a number.
@@ -428,7 +476,7 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
       if (*target == ColType::Date) {
         auto d = param.kind == SqlParam::Kind::Text ? mrvk::ParseDate(param.text) : std::nullopt;
         if (!d) {
-          error = "not a date for column " + target_name + ": '" + param.text + "'";
+          error = "not a date for column " + std::string(target_name) + ": '" + param.text + "'";
           return false;
         }
         param.text = d->ToText();
@@ -440,7 +488,7 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
         char* end = nullptr;
         std::strtod(trimmed.c_str(), &end);
         if (trimmed.empty() || end != trimmed.c_str() + trimmed.size()) {
-          error = "not a number for column " + target_name + ": '" + param.text + "'";
+          error = "not a number for column " + std::string(target_name) + ": '" + param.text + "'";
           return false;
         }
         param.text = trimmed;

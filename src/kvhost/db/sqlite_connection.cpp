@@ -12,6 +12,7 @@ namespace {
 
 constexpr size_t kStatementCacheSize = 256;
 constexpr int kBusyTimeoutMs = 30000;
+constexpr int64_t kKeyBlockSize = 32;
 
 std::string ErrorText(sqlite3* db) { return sqlite3_errmsg(db); }
 
@@ -260,19 +261,37 @@ Status SqliteConnection::ExecuteRaw(const std::string& sql) {
 }
 
 Status SqliteConnection::Begin() { return ExecuteRaw("BEGIN IMMEDIATE"); }
-Status SqliteConnection::Commit() { return ExecuteRaw("COMMIT"); }
-Status SqliteConnection::Rollback() { return ExecuteRaw("ROLLBACK"); }
+Status SqliteConnection::Commit() {
+  Status s = ExecuteRaw("COMMIT");
+  if (!s.ok()) key_blocks_.clear();
+  return s;
+}
+Status SqliteConnection::Rollback() {
+  key_blocks_.clear();
+  return ExecuteRaw("ROLLBACK");
+}
 
 Status SqliteConnection::NewId(const std::string& table, const std::string& column,
                                int32_t& id) {
-  RewrittenSql stmt;
-  stmt.sql = "UPDATE xt_newid SET lastid=lastid+1 WHERE tablename=? AND keyname=? RETURNING lastid";
-  stmt.params = {{SqlParam::Kind::Text, table}, {SqlParam::Kind::Text, column}};
-  ResultSet rs;
-  Status s = Query(stmt, rs);
-  if (!s.ok()) return Status::Error("NewID(" + table + "," + column + "): " + s.message());
-  if (rs.rows() == 0) return Status::Error("NewID: no key source for " + table + "." + column);
-  id = static_cast<int32_t>(rs.values[0].ToDouble());
+  // The counter row is raised by a block of keys in one statement; the keys are handed out
+  // one by one. SQLite has one writer at a time, so the raise is atomic. A rollback undoes
+  // the raise, so Rollback forgets the block: its keys may be drawn again by anyone.
+  KeyBlock& block = key_blocks_[table + '\x01' + column];
+  if (block.next > block.last) {
+    RewrittenSql stmt;
+    stmt.sql =
+        "UPDATE xt_newid SET lastid=lastid+? WHERE tablename=? AND keyname=? RETURNING lastid";
+    stmt.params = {{SqlParam::Kind::Integer, std::to_string(kKeyBlockSize)},
+                   {SqlParam::Kind::Text, table},
+                   {SqlParam::Kind::Text, column}};
+    ResultSet rs;
+    Status s = Query(stmt, rs);
+    if (!s.ok()) return Status::Error("NewID(" + table + "," + column + "): " + s.message());
+    if (rs.rows() == 0) return Status::Error("NewID: no key source for " + table + "." + column);
+    block.last = static_cast<int64_t>(rs.values[0].ToDouble());
+    block.next = block.last - kKeyBlockSize + 1;
+  }
+  id = static_cast<int32_t>(block.next++);
   return Status::Ok();
 }
 

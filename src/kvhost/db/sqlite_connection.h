@@ -38,7 +38,12 @@ class SqliteConnection : public Connection {
     sqlite3_stmt* stmt;
     uint64_t last_use;
   };
+  struct KeyBlock {
+    int64_t next = 1;
+    int64_t last = 0;  // next > last: the block is used up
+  };
   sqlite3* db_ = nullptr;
+  std::unordered_map<std::string, KeyBlock> key_blocks_;
   std::unordered_map<std::string, CacheEntry> cache_;
   uint64_t tick_ = 0;
 };

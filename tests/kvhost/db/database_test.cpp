@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "kvhost/lib/bill_data.h"
 #include "mrvk/frame/data_access.h"
 #include "mrvk/frame/vb.h"
@@ -198,6 +200,25 @@ TEST_P(DatabaseTest, NewIdGivesIncreasingUnusedKeys) {
   int32_t c = 0;
   ASSERT_EQ(bill.NewID("fwyz", "业主ID", c), "");
   EXPECT_GT(c, 5000);
+}
+
+TEST_P(DatabaseTest, KeysOfARolledBackBracketAreNotHandedOutTwice) {
+  auto other = NewHost();
+  BillData mine, theirs;
+  mine.Database(&db());
+  theirs.Database(&other->database());
+  std::set<int32_t> used;
+  for (int round = 0; round < 3; ++round) {
+    db().BeginTrans();
+    int32_t a = 0;
+    ASSERT_EQ(mine.NewID("fwjs", "单据ID", a), "");
+    db().RollbackTrans();
+    int32_t b = 0, c = 0;
+    ASSERT_EQ(theirs.NewID("fwjs", "单据ID", b), "");
+    ASSERT_EQ(mine.NewID("fwjs", "单据ID", c), "");
+    EXPECT_TRUE(used.insert(b).second) << b;
+    EXPECT_TRUE(used.insert(c).second) << c;
+  }
 }
 
 TEST_P(DatabaseTest, NavigateAndLocateWalkByAscendingKey) {
