@@ -17,15 +17,33 @@ mrvk::Date Today() {
   return mrvk::Date::FromYmd(tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday);
 }
 
-// Sets the thread's UI port for the length of one call into the module.
-class UiPortScope {
+// One call into the module: the thread's UI port is set, and the writes the call makes
+// outside a bracket share one commit, which is made before any box waits for the user (so
+// no lock is held while someone reads a question) and when the call ends.
+class CallScope : public mrvk::IUiPort {
  public:
-  explicit UiPortScope(mrvk::IUiPort* port) : saved_(mrvk::CurrentUiPort()) {
-    mrvk::SetCurrentUiPort(port);
+  CallScope(mrvk::IUiPort* port, db::Connection& conn)
+      : port_(port), conn_(conn), saved_(mrvk::CurrentUiPort()) {
+    mrvk::SetCurrentUiPort(this);
+    conn_.SetGroupCommit(true);
   }
-  ~UiPortScope() { mrvk::SetCurrentUiPort(saved_); }
+  ~CallScope() override {
+    conn_.SetGroupCommit(false);
+    mrvk::SetCurrentUiPort(saved_);
+  }
+  int MsgBox(const std::string& prompt, int flags, const std::string& title) override {
+    conn_.Flush();
+    return port_->MsgBox(prompt, flags, title);
+  }
+  std::optional<std::string> InputBox(const std::string& prompt, const std::string& title,
+                                      const std::string& default_text) override {
+    conn_.Flush();
+    return port_->InputBox(prompt, title, default_text);
+  }
 
  private:
+  mrvk::IUiPort* port_;
+  db::Connection& conn_;
   mrvk::IUiPort* saved_;
 };
 
@@ -81,9 +99,12 @@ Status Host::create_schema() {
 }
 
 Status Host::guard_call(const std::string& what, const std::function<void()>& fn) {
-  UiPortScope scope(ui_port_);
+  if (!database_) return status_;
+  CallScope scope(ui_port_, database_->connection());
   try {
     fn();
+    if (Status s = database_->connection().Flush(); !s.ok())
+      return Status::Error(what + ": the changes could not be committed: " + s.message());
     return Status::Ok();
   } catch (const mrvk::VbError& e) {
     return Status::Error(what + ": run-time failure " + std::to_string(e.Number()) + ": " +

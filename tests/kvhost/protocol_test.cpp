@@ -109,6 +109,23 @@ TEST_P(ProtocolTest, AMessageBoxWaitsForItsAnswer) {
   EXPECT_EQ(Count(), "0");
 }
 
+TEST_P(ProtocolTest, NoLockIsHeldWhileABoxWaitsAndWritesStandWhenTheCallEnds) {
+  const int s = OpenProbe();
+  json a = Send({{"op", "call"}, {"screen", s}, {"method", "FileEdit"}});
+  ASSERT_EQ(a["pending"]["prompt"], "继续？") << a.dump();
+  // Another clerk can save while the question waits, and already sees the row written.
+  auto other = NewHost();
+  EXPECT_TRUE(other->database().Execute(
+      "insert into fwyz (业主ID,业主编号,业主名称,类型) values (90001,'O1','别人',1)"))
+      << other->database().Error().Description();
+  db::ResultSet rs;
+  ASSERT_TRUE(other->database().Query("select count(*) from fwyz", rs));
+  EXPECT_EQ(rs.values[0].ToString(), "2");
+  a = Send({{"op", "answer"}, {"value", 6}});
+  EXPECT_EQ(a["result"], true);
+  EXPECT_EQ(Count(), "2");
+}
+
 TEST_P(ProtocolTest, CancellingAnInputBoxSavesNothing) {
   const int s = OpenProbe();
   Send({{"op", "call"}, {"screen", s}, {"method", "FileSave"}});

@@ -31,7 +31,17 @@ class ProbeSheet : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk:
     RaiseEvent("Message", mrvk::event_id::kMessage, {Variant("无此功能！")});
     return false;
   }
-  bool FileEdit() override { return false; }
+  // Writes a party outside a bracket, then asks a question.
+  bool FileEdit() override {
+    auto& db = ctx_->Database();
+    int32_t id = 0;
+    if (!NewKey(id).empty()) return false;
+    db.CreateCommand("insert into fwyz (业主ID,业主编号,业主名称,类型) values (" +
+                         std::to_string(id) + ",'E" + std::to_string(id) + "','编辑',0)",
+                     1)
+        ->Execute();
+    return mrvk::MsgBox("继续？", mrvk::msgbox::kYesNo, "编辑") == mrvk::msgbox::kYes;
+  }
   // Asks before deleting; only yes deletes.
   bool FileDelete() override {
     if (mrvk::MsgBox("确实要删除吗？", mrvk::msgbox::kYesNoWarning, "删除") != mrvk::msgbox::kYes)

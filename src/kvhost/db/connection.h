@@ -37,6 +37,12 @@ class Connection {
   virtual Status Begin() = 0;
   virtual Status Commit() = 0;
   virtual Status Rollback() = 0;
+  // Group commit: while on, writes outside a bracket share one transaction that Flush (or
+  // turning it off) commits. Each statement still runs, fails and stands on its own; only
+  // the durable commit is shared. The host turns it on around each call into the module and
+  // flushes before any modal box. Engines whose commits cost nothing extra ignore it.
+  virtual void SetGroupCommit(bool /*on*/) {}
+  virtual Status Flush() { return Status::Ok(); }
   // A new key for table/column, unused in the table and safe against concurrent callers in
   // other connections and processes. Works inside and outside a transaction.
   virtual Status NewId(const std::string& table, const std::string& column, int32_t& id) = 0;

@@ -111,6 +111,7 @@ constexpr FunctionDef kFunctions[] = {
 }  // namespace
 
 SqliteConnection::~SqliteConnection() {
+  Flush();
   for (auto& [sql, entry] : cache_) sqlite3_finalize(entry.stmt);
   if (db_) sqlite3_close_v2(db_);
 }
@@ -196,6 +197,12 @@ Status SqliteConnection::Prepare(const RewrittenSql& stmt, sqlite3_stmt*& out) {
 }
 
 Status SqliteConnection::Execute(const RewrittenSql& stmt, int64_t* rows_affected) {
+  if (group_commit_ && !explicit_ && !implicit_) {
+    // The first write of a group opens the transaction that the group's end commits.
+    Status s = ExecuteRaw("BEGIN IMMEDIATE");
+    if (!s.ok()) return s;
+    implicit_ = true;
+  }
   sqlite3_stmt* st = nullptr;
   Status s = Prepare(stmt, st);
   if (!s.ok()) return s;
@@ -205,6 +212,11 @@ Status SqliteConnection::Execute(const RewrittenSql& stmt, int64_t* rows_affecte
   if (rc != SQLITE_DONE) {
     Status err = Status::Error(ErrorText(db_));
     sqlite3_reset(st);
+    // Most failures undo only the statement; a few (disk full, I/O) undo the transaction.
+    if ((implicit_ || explicit_) && sqlite3_get_autocommit(db_)) {
+      implicit_ = false;
+      key_blocks_.clear();
+    }
     return err;
   }
   if (rows_affected) *rows_affected = sqlite3_changes64(db_);
@@ -260,15 +272,40 @@ Status SqliteConnection::ExecuteRaw(const std::string& sql) {
   return Status::Ok();
 }
 
-Status SqliteConnection::Begin() { return ExecuteRaw("BEGIN IMMEDIATE"); }
+Status SqliteConnection::Begin() {
+  if (Status s = Flush(); !s.ok()) return s;
+  Status s = ExecuteRaw("BEGIN IMMEDIATE");
+  explicit_ = s.ok();
+  return s;
+}
+
 Status SqliteConnection::Commit() {
+  explicit_ = false;
   Status s = ExecuteRaw("COMMIT");
   if (!s.ok()) key_blocks_.clear();
   return s;
 }
+
 Status SqliteConnection::Rollback() {
+  explicit_ = false;
   key_blocks_.clear();
   return ExecuteRaw("ROLLBACK");
+}
+
+void SqliteConnection::SetGroupCommit(bool on) {
+  if (!on) Flush();
+  group_commit_ = on;
+}
+
+Status SqliteConnection::Flush() {
+  if (!implicit_) return Status::Ok();
+  implicit_ = false;
+  Status s = ExecuteRaw("COMMIT");
+  if (!s.ok()) {
+    key_blocks_.clear();
+    ExecuteRaw("ROLLBACK");
+  }
+  return s;
 }
 
 Status SqliteConnection::NewId(const std::string& table, const std::string& column,

@@ -27,6 +27,8 @@ class SqliteConnection : public Connection {
   Status Commit() override;
   Status Rollback() override;
   Status NewId(const std::string& table, const std::string& column, int32_t& id) override;
+  void SetGroupCommit(bool on) override;
+  Status Flush() override;
 
  private:
   SqliteConnection() = default;
@@ -43,6 +45,9 @@ class SqliteConnection : public Connection {
     int64_t last = 0;  // next > last: the block is used up
   };
   sqlite3* db_ = nullptr;
+  bool explicit_ = false;      // between Begin and Commit/Rollback
+  bool group_commit_ = false;  // writes outside a bracket share one transaction
+  bool implicit_ = false;      // that shared transaction is open
   std::unordered_map<std::string, KeyBlock> key_blocks_;
   std::unordered_map<std::string, CacheEntry> cache_;
   uint64_t tick_ = 0;
