@@ -7,7 +7,7 @@ build=${MRVK_BENCH_BUILD_DIR:-build-bench}
 cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DMRVK_BUILD_TESTS=OFF >/dev/null
 cmake --build "$build" -j "$(nproc)"
 if [ -z "${MRVK_TEST_PG:-}" ]; then
-  url=$(scripts/pg-cluster.sh start)
+  url=$(MRVK_PG_DURABLE=1 scripts/pg-cluster.sh start)
   cluster=$(echo "$url" | sed -E 's/.*host=([^&]+).*/\1/')
   export MRVK_TEST_PG="$url"
   trap 'scripts/pg-cluster.sh stop "$cluster"' EXIT

@@ -26,8 +26,10 @@ case "${1:-}" in
     port=$(( 20000 + RANDOM % 20000 ))
     as_pg "$bin/initdb" -D "$dir/data" -U postgres --auth=trust --encoding=UTF8 --locale=C >"$dir/initdb.log" 2>&1 \
       || { cat "$dir/initdb.log" >&2; exit 1; }
-    as_pg "$bin/pg_ctl" -D "$dir/data" -l "$dir/server.log" -w \
-      -o "-k $dir -p $port -c listen_addresses='' -c fsync=off -c synchronous_commit=off -c full_page_writes=off -c max_connections=200" \
+    # Test clusters skip fsync; MRVK_PG_DURABLE=1 (benchmarks) keeps the server's defaults.
+    opts="-k $dir -p $port -c listen_addresses='' -c max_connections=200"
+    [ -n "${MRVK_PG_DURABLE:-}" ] || opts="$opts -c fsync=off -c full_page_writes=off"
+    as_pg "$bin/pg_ctl" -D "$dir/data" -l "$dir/server.log" -w -o "$opts" \
       start >/dev/null || { cat "$dir/server.log" >&2; exit 1; }
     echo "postgresql:///postgres?host=$dir&port=$port&user=postgres"
     ;;

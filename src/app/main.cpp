@@ -29,7 +29,7 @@ int main(int argc, char** argv) {
   args.erase(args.begin());
   if (command == "init-db") return mrvk_app::RunInitDb(args, std::cout, std::cerr);
   if (command == "drive") return mrvk_app::RunDrive(args, std::cin, std::cout, std::cerr);
-  if (command == "schedule") return RunScheduleCommand(args, std::cout, std::cerr);
+  if (command == "schedule") return mrvk_app::RunScheduleCommand(args, std::cout, std::cerr);
   std::cerr << "mrvk: unknown command \"" << command << "\"\n" << kUsage;
   return 2;
 }

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <atomic>
 #include <deque>
 #include <map>
 #include <optional>
@@ -13,9 +14,30 @@
 #include "mrvk/frame/vb.h"
 
 namespace kvhost::db {
+
+// A literal of a statement in its rewriting template.
+struct Slot {
+  int literal;                    // index among the statement's literals
+  bool param;                     // lifted into a parameter, else written into the text
+  bool negative;                  // the '-' before the number belongs to the parameter
+  bool like;                      // the right side of a like: no type check
+  std::optional<ColType> target;  // the column the value is compared with or stored in
+  std::string target_name;
+};
+
+// How every statement of one shape is rewritten: text pieces around the literal slots.
+struct SqlRewriter::Plan {
+  std::vector<std::string> pieces;  // slots.size() + 1 pieces
+  std::vector<Slot> slots;
+  bool is_select = false;
+  uint64_t id = 0;
+};
+
 namespace {
 
 enum class Tok { Space, Word, Number, String, Punct };
+
+}  // namespace
 
 struct Token {
   Token(Tok k, std::string_view t) : kind(k), text(t) {}
@@ -25,9 +47,27 @@ struct Token {
   std::string_view text;
   bool is_date = false;  // a String that came from a #date# literal
   bool removed = false;
-  std::string suffix;   // text emitted after the token (e.g. a LIMIT clause)
-  int param = -1;       // index into params when the literal was lifted
+  std::string_view suffix;  // text written after the token (a LIMIT clause)
+  int literal = -1;     // index among the statement's literals
+  // How a literal goes out (see Slot).
+  bool lift = false;
+  bool negative = false;
+  bool like = false;
+  std::optional<ColType> target;
+  std::string_view target_name;
 };
+
+// A literal as the shape scan reads it.
+struct Literal {
+  Tok kind;
+  std::string_view text;
+  bool is_date;
+};
+
+namespace {
+
+
+
 
 char LowerChar(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -61,6 +101,15 @@ struct CaseInsensitiveEqual {
 };
 
 inline bool Is(std::string_view t, char c) { return t.size() == 1 && t[0] == c; }
+inline bool IsPunct(unsigned char c) {
+  switch (c) {
+    case '(': case ')': case ',': case '.': case '=': case '<': case '>': case '+': case '-':
+    case '*': case '/': case '%': case '&': case ';':
+      return true;
+    default:
+      return false;
+  }
+}
 inline bool IsDigit(unsigned char c) { return c >= '0' && c <= '9'; }
 inline bool IsWordStart(unsigned char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c >= 0x80;
@@ -89,7 +138,37 @@ std::string_view Keep(Arena& arena, std::string text) {
   return arena.back();
 }
 
-bool Tokenize(std::string_view sql, std::vector<Token>& out, Arena& arena, std::string& error) {
+// Where the tokenizer puts what it reads: Add(kind, text, is_date) for each token.
+struct TokenList {
+  std::vector<Token>& tokens;
+  void Add(Tok kind, std::string_view text, bool is_date = false) {
+    tokens.emplace_back(kind, text);
+    tokens.back().is_date = is_date;
+  }
+};
+
+
+
+// The statement's shape: its text with each literal replaced by a mark of its kind, and the
+// literals in order. The number of a `top n` is part of the shape, not a literal. Token
+// lists number their literals by the same rule (MarkLiterals).
+struct ShapeScan {
+  std::string& shape;
+  std::vector<Literal>& literals;
+  bool after_top = false;
+  void Add(Tok kind, std::string_view text, bool is_date = false) {
+    if ((kind == Tok::String || kind == Tok::Number) && !(kind == Tok::Number && after_top)) {
+      literals.push_back({kind, text, is_date});
+      shape += kind == Tok::Number ? '\x02' : is_date ? '\x03' : '\x01';
+    } else {
+      shape += text;
+    }
+    if (kind != Tok::Space) after_top = kind == Tok::Word && IEquals(text, "top");
+  }
+};
+
+template <typename Sink>
+bool Tokenize(std::string_view sql, Sink& out, Arena& arena, std::string& error) {
   size_t i = 0;
   const size_t n = sql.size();
   while (i < n) {
@@ -97,7 +176,7 @@ bool Tokenize(std::string_view sql, std::vector<Token>& out, Arena& arena, std::
     if (c == ' ' || c == '\t' || c == '\r' || c == '\n') {
       size_t j = i;
       while (j < n && (sql[j] == ' ' || sql[j] == '\t' || sql[j] == '\r' || sql[j] == '\n')) ++j;
-      out.emplace_back(Tok::Space, sql.substr(i, j - i));
+      out.Add(Tok::Space, sql.substr(i, j - i));
       i = j;
     } else if (c == '\'' || c == '"') {
       const char q = static_cast<char>(c);
@@ -129,7 +208,7 @@ bool Tokenize(std::string_view sql, std::vector<Token>& out, Arena& arena, std::
         }
         value = Keep(arena, std::move(unescaped));
       }
-      out.emplace_back(Tok::String, value);
+      out.Add(Tok::String, value);
       i = j + 1;
     } else if (c == '#') {
       const size_t close = sql.find('#', i + 1);
@@ -143,8 +222,7 @@ bool Tokenize(std::string_view sql, std::vector<Token>& out, Arena& arena, std::
         error = "not a date: #" + std::string(raw) + "#";
         return false;
       }
-      out.emplace_back(Tok::String, Keep(arena, std::move(*date)));
-      out.back().is_date = true;
+      out.Add(Tok::String, Keep(arena, std::move(*date)), /*is_date=*/true);
       i = close + 1;
     } else if (c == '[') {
       const size_t close = sql.find(']', i + 1);
@@ -159,7 +237,7 @@ bool Tokenize(std::string_view sql, std::vector<Token>& out, Arena& arena, std::
         error = "bracketed name not supported: [" + std::string(name) + "]";
         return false;
       }
-      out.emplace_back(Tok::Word, name);
+      out.Add(Tok::Word, name);
       i = close + 1;
     } else if (IsDigit(c) ||
                (c == '.' && i + 1 < n && IsDigit(static_cast<unsigned char>(sql[i + 1])))) {
@@ -181,12 +259,12 @@ bool Tokenize(std::string_view sql, std::vector<Token>& out, Arena& arena, std::
         error = "malformed number near \"" + std::string(sql.substr(i, j - i + 1)) + "\"";
         return false;
       }
-      out.emplace_back(Tok::Number, sql.substr(i, j - i));
+      out.Add(Tok::Number, sql.substr(i, j - i));
       i = j;
     } else if (IsWordStart(c)) {
       size_t j = i;
       while (j < n && IsWordChar(static_cast<unsigned char>(sql[j]))) ++j;
-      out.emplace_back(Tok::Word, sql.substr(i, j - i));
+      out.Add(Tok::Word, sql.substr(i, j - i));
       i = j;
     } else {
       if ((c == '-' && i + 1 < n && sql[i + 1] == '-') ||
@@ -195,15 +273,15 @@ bool Tokenize(std::string_view sql, std::vector<Token>& out, Arena& arena, std::
         return false;
       }
       std::string_view op = sql.substr(i, 1);
-      const std::string_view two = sql.substr(i, 2);
-      if (two == "<=" || two == ">=" || two == "<>" || two == "!=" || two == "||") {
-        op = two;
-      } else if (std::string_view("(),.=<>+-*/%&;").find(static_cast<char>(c)) ==
-                 std::string_view::npos) {
+      const char next = i + 1 < n ? sql[i + 1] : '\0';
+      if ((next == '=' && (c == '<' || c == '>' || c == '!')) || (c == '<' && next == '>') ||
+          (c == '|' && next == '|')) {
+        op = sql.substr(i, 2);
+      } else if (!IsPunct(c)) {
         error = std::string("unexpected character '") + static_cast<char>(c) + "'";
         return false;
       }
-      out.emplace_back(Tok::Punct, op);
+      out.Add(Tok::Punct, op);
       i += op.size();
     }
   }
@@ -228,6 +306,46 @@ std::string QuoteText(std::string_view value) {
   }
   out.push_back('\'');
   return out;
+}
+
+// The value of a lifted literal. A value bound for a date column must be a real date (stored
+// as yyyy-mm-dd); a quoted value bound for a numeric column must be a number.
+bool MakeParam(const Literal& t, const Slot& slot, SqlParam& param, std::string& error) {
+  if (t.kind == Tok::Number) {
+    param.text = slot.negative ? "-" : "";
+    param.text += t.text;
+    param.kind = t.text.find_first_of(".eE") == std::string_view::npos && t.text.size() < 18
+                     ? SqlParam::Kind::Integer
+                     : SqlParam::Kind::Real;
+  } else {
+    param.text = std::string(t.text);
+    param.kind = SqlParam::Kind::Text;
+  }
+  if (!slot.target || slot.like) return true;
+  if (*slot.target == ColType::Date) {
+    auto d = param.kind == SqlParam::Kind::Text ? mrvk::ParseDate(param.text) : std::nullopt;
+    if (!d) {
+      error = "not a date for column " + slot.target_name + ": '" + param.text + "'";
+      return false;
+    }
+    // Already in the stored form (yyyy-mm-dd): kept as it is.
+    if (param.text.size() != 10 || param.text[4] != '-' || param.text[7] != '-')
+      param.text = d->ToText();
+  } else if ((*slot.target == ColType::Long || *slot.target == ColType::Flag ||
+              *slot.target == ColType::Double) &&
+             param.kind == SqlParam::Kind::Text) {
+    const std::string trimmed = mrvk::Trim(param.text);
+    char* end = nullptr;
+    std::strtod(trimmed.c_str(), &end);
+    if (trimmed.empty() || end != trimmed.c_str() + trimmed.size()) {
+      error = "not a number for column " + slot.target_name + ": '" + param.text + "'";
+      return false;
+    }
+    param.text = trimmed;
+    param.kind = trimmed.find_first_of(".eE") == std::string::npos ? SqlParam::Kind::Integer
+                                                                  : SqlParam::Kind::Real;
+  }
+  return true;
 }
 
 }  // namespace
@@ -261,12 +379,7 @@ ColumnTypeLookup SchemaColumnTypes() {
 SqlRewriter::SqlRewriter(Dialect dialect, ColumnTypeLookup column_types)
     : dialect_(dialect), column_types_(std::move(column_types)) {}
 
-bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& error) const {
-  out = RewrittenSql{};
-  std::vector<Token> toks;
-  toks.reserve(64);
-  Arena arena;
-  if (!Tokenize(sql, toks, arena, error)) return false;
+bool SqlRewriter::BuildPlan(std::vector<Token>& toks, Plan& plan, std::string& error) const {
 
   // The non-blank tokens, by position in toks.
   std::vector<size_t> idx;
@@ -307,7 +420,7 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
   {
     size_t first = 0;
     while (punct_is(first, "(")) ++first;
-    out.is_select = word_is(first, "select");
+    plan.is_select = word_is(first, "select");
   }
 
   // Pass 1: structure. `top n` becomes a LIMIT at the end of its select's scope; a UNION in
@@ -316,6 +429,10 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
     std::string limit;  // the LIMIT of a `top n` met in this scope
   };
   std::vector<Scope> scopes(1);
+  std::deque<std::string> suffixes;
+  auto add_limit = [&](Token& t, const std::string& limit) {
+    t.suffix = suffixes.emplace_back(std::string(t.suffix) + " LIMIT " + limit);
+  };
   // Insert column lists, to know the column of each VALUES entry.
   std::vector<std::string_view> insert_columns;
   bool in_insert_columns = false;
@@ -334,7 +451,7 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
         error = "unbalanced parentheses";
         return false;
       }
-      if (!scopes.back().limit.empty()) tok(k - 1).suffix += " LIMIT " + scopes.back().limit;
+      if (!scopes.back().limit.empty()) add_limit(tok(k - 1), scopes.back().limit);
       scopes.pop_back();
       in_insert_columns = false;
       continue;
@@ -375,7 +492,7 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
     error = "unbalanced parentheses";
     return false;
   }
-  if (!scopes.back().limit.empty()) tok(idx.size() - 1).suffix += " LIMIT " + scopes.back().limit;
+  if (!scopes.back().limit.empty()) add_limit(tok(idx.size() - 1), scopes.back().limit);
 
   // Pass 2: operators, functions and literals.
   int depth_values = -1;  // depth of the VALUES list being read
@@ -426,13 +543,11 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
     }
     // A literal: lift it into a parameter where its type is fixed by its place: the right
     // side of a comparison with a column, or a whole entry of a VALUES list.
-    std::string sign;
     bool negative_number = false;
     if (t.kind == Tok::Number && k > 0 && punct_is(k - 1, "-") && k > 1 &&
         (tok(k - 2).kind == Tok::Punct &&
          (IsComparison(tok(k - 2).text) || Is(tok(k - 2).text, '(') || Is(tok(k - 2).text, ',')))) {
       negative_number = true;
-      sign = "-";
     }
     const size_t op_pos = negative_number ? k - 2 : k - 1;
     std::optional<ColType> target;
@@ -460,70 +575,95 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
       }
     }
     if (!liftable) continue;  // stays in the text as it stands (texts re-quoted on output)
-    SqlParam param;
-    if (t.kind == Tok::Number) {
-      param.text = sign;
-      param.text += t.text;
-      param.kind = t.text.find_first_of(".eE") == std::string::npos && t.text.size() < 18
-                       ? SqlParam::Kind::Integer
-                       : SqlParam::Kind::Real;
-    } else {
-      param.text = std::string(t.text);
-      param.kind = SqlParam::Kind::Text;
-    }
-    // A value bound for a date column must be a real date; for a numeric column a number.
-    if (target && !like) {
-      if (*target == ColType::Date) {
-        auto d = param.kind == SqlParam::Kind::Text ? mrvk::ParseDate(param.text) : std::nullopt;
-        if (!d) {
-          error = "not a date for column " + std::string(target_name) + ": '" + param.text + "'";
-          return false;
-        }
-        param.text = d->ToText();
-      } else if ((*target == ColType::Long || *target == ColType::Flag ||
-                  *target == ColType::Double) &&
-                 param.kind == SqlParam::Kind::Text) {
-        // A quoted number is taken as the number; any other text is refused.
-        const std::string trimmed = mrvk::Trim(param.text);
-        char* end = nullptr;
-        std::strtod(trimmed.c_str(), &end);
-        if (trimmed.empty() || end != trimmed.c_str() + trimmed.size()) {
-          error = "not a number for column " + std::string(target_name) + ": '" + param.text + "'";
-          return false;
-        }
-        param.text = trimmed;
-        param.kind = trimmed.find_first_of(".eE") == std::string::npos ? SqlParam::Kind::Integer
-                                                                      : SqlParam::Kind::Real;
-      }
-    }
-    t.param = static_cast<int>(out.params.size());
-    out.params.push_back(std::move(param));
+    t.lift = true;
+    t.negative = negative_number;
+    t.like = like;
+    t.target = target;
+    t.target_name = target_name;
     if (negative_number) tok(k - 1).removed = true;
   }
 
-  // Emit.
-  std::string& s = out.sql;
-  s.reserve(sql.size() + 16);
-  int param_no = 0;
+  // The template: text pieces between the literals, each literal a slot.
+  plan.pieces.emplace_back();
   for (const Token& t : toks) {
     if (t.removed) {
-      s += t.suffix;
+      plan.pieces.back() += t.suffix;
       continue;
     }
-    if (t.param >= 0) {
-      if (dialect_ == Dialect::Sqlite) {
-        s += '?';
-      } else {
-        s += '$';
-        s += std::to_string(++param_no);
-      }
-    } else if (t.kind == Tok::String) {
-      s += QuoteText(t.text);
+    if (t.literal >= 0) {
+      plan.slots.push_back(
+          {t.literal, t.lift, t.negative, t.like, t.target, std::string(t.target_name)});
+      plan.pieces.emplace_back();
     } else {
-      s += t.text;
+      plan.pieces.back() += t.text;
     }
-    s += t.suffix;
+    plan.pieces.back() += t.suffix;
   }
+  return true;
+}
+
+bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& error) const {
+  out = RewrittenSql{};
+  Arena arena;
+  std::string shape;
+  shape.reserve(sql.size());
+  std::vector<Literal> literals;
+  ShapeScan scan{shape, literals};
+  if (!Tokenize(sql, scan, arena, error)) return false;
+  auto it = plans_.find(shape);
+  if (it == plans_.end()) {
+    // A shape not seen before: read the statement in full and work out its template.
+    std::vector<Token> toks;
+    toks.reserve(64);
+    TokenList list{toks};
+    if (!Tokenize(sql, list, arena, error)) return false;
+    int n = 0;
+    bool after_top = false;
+    for (Token& t : toks) {
+      if ((t.kind == Tok::String || t.kind == Tok::Number) && !(t.kind == Tok::Number && after_top))
+        t.literal = n++;
+      if (t.kind != Tok::Space) after_top = t.kind == Tok::Word && IEquals(t.text, "top");
+    }
+    auto plan = std::make_shared<Plan>();
+    if (!BuildPlan(toks, *plan, error)) return false;
+    // Unique across rewriters, since several may feed one connection.
+    static std::atomic<uint64_t> next_id{0};
+    plan->id = ++next_id;
+    if (plans_.size() >= kMaxPlans) plans_.clear();
+    it = plans_.emplace(std::move(shape), std::move(plan)).first;
+  }
+  return Apply(*it->second, literals, out, error);
+}
+
+bool SqlRewriter::Apply(const Plan& plan, const std::vector<Literal>& literals,
+                        RewrittenSql& out, std::string& error) const {
+  out.is_select = plan.is_select;
+  out.shape_id = plan.id;
+  std::string& s = out.sql;
+  s.reserve(plan.pieces.front().size() * 2 + 64);
+  for (size_t i = 0; i < plan.slots.size(); ++i) {
+    s += plan.pieces[i];
+    const Slot& slot = plan.slots[i];
+    const Literal& t = literals[static_cast<size_t>(slot.literal)];
+    if (!slot.param) {
+      if (t.kind == Tok::String) {
+        s += QuoteText(t.text);
+      } else {
+        s += t.text;
+      }
+      continue;
+    }
+    SqlParam param;
+    if (!MakeParam(t, slot, param, error)) return false;
+    out.params.push_back(std::move(param));
+    if (dialect_ == Dialect::Sqlite) {
+      s += '?';
+    } else {
+      s += '$';
+      s += std::to_string(out.params.size());
+    }
+  }
+  s += plan.pieces.back();
   return true;
 }
 

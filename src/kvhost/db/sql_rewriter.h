@@ -7,7 +7,10 @@
 // error and never passed on changed in meaning.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <memory>
+#include <unordered_map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,6 +36,9 @@ struct RewrittenSql {
   std::string sql;  // with ? (SQLite) or $n (PostgreSQL) where a literal was lifted
   std::vector<SqlParam> params;
   bool is_select = false;  // the statement yields rows (SELECT)
+  // Statements of one shape rewritten by one rewriter share this number, unique in the process (never 0), so an
+  // engine can find its prepared statement without hashing the text; 0 for texts of our own.
+  uint64_t shape_id = 0;
 };
 
 // Tells the type of a column name, or nullopt when the name is unknown or has different
@@ -42,6 +48,9 @@ using ColumnTypeLookup = std::function<std::optional<ColType>(std::string_view n
 // The column types of the schema (Tables()), names without regard to ASCII case.
 ColumnTypeLookup SchemaColumnTypes();
 
+struct Token;    // a token of a statement, in the rewriter's implementation
+struct Literal;  // a literal of a statement, likewise
+
 class SqlRewriter {
  public:
   SqlRewriter(Dialect dialect, ColumnTypeLookup column_types);
@@ -49,11 +58,21 @@ class SqlRewriter {
   // Rewrites one statement. On success returns true and fills out; on a statement it cannot
   // rewrite faithfully returns false and sets error to a one-line reason (out is then
   // unspecified). Never throws for any input.
+  // Statements of a shape seen before (the same text but for the literals) reuse the
+  // rewriting worked out the first time.
   bool Rewrite(std::string_view sql, RewrittenSql& out, std::string& error) const;
 
+  struct Plan;
+
  private:
+  static constexpr size_t kMaxPlans = 1024;
+  bool BuildPlan(std::vector<Token>& toks, Plan& plan, std::string& error) const;
+  bool Apply(const Plan& plan, const std::vector<Literal>& literals,
+             RewrittenSql& out, std::string& error) const;
+
   Dialect dialect_;
   ColumnTypeLookup column_types_;
+  mutable std::unordered_map<std::string, std::shared_ptr<const Plan>> plans_;
 };
 
 }  // namespace kvhost::db

@@ -148,7 +148,8 @@ std::unique_ptr<SqliteConnection> SqliteConnection::Open(const std::string& path
 
 Status SqliteConnection::Prepare(const RewrittenSql& stmt, sqlite3_stmt*& out) {
   ++tick_;
-  auto it = cache_.find(stmt.sql);
+  const std::string key = stmt.shape_id ? "#" + std::to_string(stmt.shape_id) : stmt.sql;
+  auto it = cache_.find(key);
   if (it != cache_.end()) {
     it->second.last_use = tick_;
     out = it->second.stmt;
@@ -166,7 +167,7 @@ Status SqliteConnection::Prepare(const RewrittenSql& stmt, sqlite3_stmt*& out) {
       return Status::Error(ErrorText(db_));
     }
     if (!out) return Status::Error("empty statement");
-    cache_.emplace(stmt.sql, CacheEntry{out, tick_});
+    cache_.emplace(key, CacheEntry{out, tick_});
   }
   sqlite3_reset(out);
   sqlite3_clear_bindings(out);

@@ -53,8 +53,8 @@ class PeriodWalker {
   int32_t period_;
   bool advance_;
   int64_t count_;
-  int64_t index_ = 1;    // 1-based number of the next period
-  int64_t in_range_;     // periods that end on or before 9999-12-31
+  int64_t index_ = 1;  // 1-based number of the next period
+  int64_t in_range_;   // periods before the last one that can end by 9999-12-31
 };
 
 // All periods of one fee term from whole numbers (see PeriodWalker).
@@ -64,8 +64,8 @@ std::vector<SchedulePeriod> PlanFeeTerm(Date start, Date end, int32_t months, in
 // All periods of one fee term from the numbers as stored: a period of 0 or less gives none;
 // otherwise both are rounded (WholeMonths), and a period above 0 that rounds to 0 is VB's
 // "Division by zero" (VbError 11), as months \ period raises it.
-std::vector<SchedulePeriod> PlanStoredFeeTerm(Date start, Date end, double months,
-                                              double period, bool advance);
+std::vector<SchedulePeriod> PlanStoredFeeTerm(Date start, Date end, double months, double period,
+                                              bool advance);
 
 // Replaces the schedule of contract_id in fwhdfs_sk: deletes its rows, reads the contract's
 // fee terms from fwhdfs by 序号, and inserts one row per fee term and period with keys from

@@ -1,0 +1,165 @@
+// `mrvk schedule`: the preview of one fee term's periods, as a script or a clerk runs it.
+#include "app/schedule_command.h"
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Outcome {
+  int code;
+  std::string out, err;
+};
+
+Outcome Schedule(const std::vector<std::string>& args) {
+  std::ostringstream out, err;
+  const int code = mrvk_app::RunScheduleCommand(args, out, err);
+  return {code, out.str(), err.str()};
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
+const std::vector<std::string> kTenMonths = {"--start",    "2012-03-15", "--end",
+                                             "2013-01-14", "--months",   "10"};
+
+std::vector<std::string> With(std::vector<std::string> args, const std::vector<std::string>& more) {
+  args.insert(args.end(), more.begin(), more.end());
+  return args;
+}
+
+TEST(ScheduleCommand, JsonIsOneArrayOfPeriodsWithKeysInOrder) {
+  const Outcome r = Schedule(With(kTenMonths, {"--period", "5", "--arrears", "--json"}));
+  ASSERT_EQ(r.code, 0) << r.err;
+  EXPECT_EQ(r.err, "");
+  EXPECT_EQ(
+      r.out,
+      R"([{"起始日期":"2012-03-15","结束日期":"2012-08-14","收款日期":"2012-08-14","是否最后一期":0},)"
+      R"({"起始日期":"2012-08-15","结束日期":"2013-01-14","收款日期":"2013-01-14","是否最后一期":1}])"
+      "\n");
+}
+
+TEST(ScheduleCommand, MonthsAndPeriodAreRoundedHalfToEven) {
+  struct Case {
+    const char* months;
+    const char* period;
+    size_t rows;
+  } cases[] = {{"2.5", "1", 2}, {"3.5", "1", 4}, {"10", "2.5", 5}, {"10", "3.5", 3}};
+  for (const Case& c : cases) {
+    const Outcome r = Schedule({"--start", "2012-03-15", "--end", "2013-01-14", "--months",
+                                c.months, "--period", c.period, "--json"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(nlohmann::json::parse(r.out).size(), c.rows) << c.months << " / " << c.period;
+  }
+}
+
+TEST(ScheduleCommand, TermWithoutScheduleIsAnEmptyArray) {
+  for (const char* period : {"0", "-2", "-0.4", "0.0"}) {
+    const Outcome r = Schedule(With(kTenMonths, {"--period", period, "--json"}));
+    EXPECT_EQ(r.code, 0) << period << ": " << r.err;
+    EXPECT_EQ(r.out, "[]\n") << period;
+    EXPECT_EQ(r.err, "") << period;
+  }
+}
+
+TEST(ScheduleCommand, TableShowsOneLinePerPeriodUnderTheHeader) {
+  const Outcome r = Schedule(With(kTenMonths, {"--period", "3"}));
+  ASSERT_EQ(r.code, 0) << r.err;
+  const auto lines = Lines(r.out);
+  ASSERT_EQ(lines.size(), 5u) << r.out;
+  const std::string heads[] = {"序号", "起始日期", "结束日期", "收款日期", "最后一期"};
+  size_t at = 0;
+  for (const std::string& head : heads) {
+    const size_t found = lines[0].find(head, at);
+    ASSERT_NE(found, std::string::npos) << head << " in " << lines[0];
+    at = found + head.size();
+  }
+  // Row 2: period number, start, end, due, not last; row 4 is the last.
+  EXPECT_NE(lines[2].find("2  2012-06-15  2012-09-14  2012-06-14  否"), std::string::npos)
+      << lines[2];
+  EXPECT_NE(lines[4].find("4  2012-12-15  2013-01-14  2012-12-14  是"), std::string::npos)
+      << lines[4];
+  // The rows' first dates stand under 起始日期, counting a Chinese character as two columns.
+  auto columns = [](const std::string& text) {
+    size_t n = 0;
+    for (unsigned char c : text) n += c < 0x80 ? 1 : (c >= 0xC0 ? 2 : 0);
+    return n;
+  };
+  const size_t start_col = columns(lines[0].substr(0, lines[0].find("起始日期")));
+  for (size_t i = 1; i < lines.size(); ++i)
+    EXPECT_EQ(lines[i].find("2012-"), start_col) << lines[i];
+
+  const Outcome none = Schedule(With(kTenMonths, {"--period", "0"}));
+  EXPECT_EQ(none.code, 0);
+  EXPECT_EQ(Lines(none.out).size(), 2u) << none.out;  // the header and a note
+}
+
+TEST(ScheduleCommand, HelpGoesToStdout) {
+  for (const std::vector<std::string>& args :
+       {std::vector<std::string>{"--help"}, With(kTenMonths, {"-h"})}) {
+    const Outcome r = Schedule(args);
+    EXPECT_EQ(r.code, 0);
+    EXPECT_NE(r.out.find("--period"), std::string::npos);
+    EXPECT_EQ(r.err, "");
+  }
+}
+
+TEST(ScheduleCommand, BadInputIsExitTwoWithOneLineAndNothingOnStdout) {
+  const std::vector<std::string> full = With(kTenMonths, {"--period", "3"});
+  struct Case {
+    std::vector<std::string> args;
+    const char* names;  // a word the message must contain
+  } cases[] = {
+      {{}, "--start"},
+      {{"--end", "2013-01-14", "--months", "10", "--period", "3"}, "--start"},
+      {{"--start", "2012-03-15", "--months", "10", "--period", "3"}, "--end"},
+      {{"--start", "2012-03-15", "--end", "2013-01-14", "--period", "3"}, "--months"},
+      {kTenMonths, "--period"},
+      {With(full, {"--start", "2012-03-16"}), "twice"},
+      {With(full, {"--json", "--json"}), "twice"},
+      {{"--start", "2013-02-29", "--end", "2013-03-14", "--months", "1", "--period", "1"},
+       "2013-02-29"},
+      {{"--start", "2012-13-01", "--end", "2013-03-14", "--months", "1", "--period", "1"},
+       "2012-13-01"},
+      {{"--start", "tomorrow", "--end", "2013-03-14", "--months", "1", "--period", "1"},
+       "tomorrow"},
+      {{"--start", "2012-03-15", "--end", "", "--months", "1", "--period", "1"}, "--end"},
+      {With(kTenMonths, {"--period", "abc"}), "abc"},
+      {With(kTenMonths, {"--period", "3months"}), "3months"},
+      {With(kTenMonths, {"--period", ""}), "--period"},
+      {With(kTenMonths, {"--period", "nan"}), "nan"},
+      {With(kTenMonths, {"--period", "inf"}), "inf"},
+      {With(kTenMonths, {"--period", "+-3"}), "+-3"},
+      {{"--start", "2012-03-15", "--end", "2013-01-14", "--months", "1.2.3", "--period", "3"},
+       "1.2.3"},
+      {With(kTenMonths, {"--period"}), "needs a value"},
+      {With(full, {"--frobnicate"}), "--frobnicate"},
+      {With(full, {"extra"}), "extra"},
+      {With(kTenMonths, {"--period", "0.4"}), "0.4"},
+      {With(kTenMonths, {"--period", "0.5"}), "rounds to 0"},
+      {{"--start", "2012-03-15", "--end", "2013-01-14", "--months", "1e12", "--period", "1"},
+       "Overflow"},
+      {{"--start", "9990-01-01", "--end", "9999-12-31", "--months", "240", "--period", "12"},
+       "9999-12-31"},
+  };
+  for (const Case& c : cases) {
+    std::string shown;
+    for (const auto& a : c.args) shown += "[" + a + "]";
+    const Outcome r = Schedule(c.args);
+    EXPECT_EQ(r.code, 2) << shown;
+    EXPECT_EQ(r.out, "") << shown;
+    ASSERT_FALSE(r.err.empty()) << shown;
+    EXPECT_EQ(r.err.find('\n'), r.err.size() - 1) << shown << ": " << r.err;
+    EXPECT_NE(r.err.find(c.names), std::string::npos) << shown << ": " << r.err;
+  }
+}
+
+}  // namespace

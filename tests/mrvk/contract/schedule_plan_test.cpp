@@ -1,0 +1,292 @@
+// The periods of one fee term: counts, dates, due dates and the rounding of the stored
+// numbers, without a database.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "mrvk/contract/schedule.h"
+#include "mrvk/frame/vb.h"
+
+namespace mrvk {
+namespace {
+
+Date D(const char* text) {
+  auto d = ParseDate(text);
+  EXPECT_TRUE(d) << text;
+  return d.value_or(Date{});
+}
+
+// A period as the schedule's rows show it: start, end, due, last.
+struct Row {
+  std::string start, end, due;
+  bool last;
+  friend bool operator==(const Row&, const Row&) = default;
+};
+
+std::ostream& operator<<(std::ostream& os, const Row& r) {
+  return os << r.start << ".." << r.end << " due " << r.due << (r.last ? " last" : "");
+}
+
+std::vector<Row> Rows(const std::vector<SchedulePeriod>& periods) {
+  std::vector<Row> rows;
+  for (const auto& p : periods)
+    rows.push_back({p.start.ToText(), p.end.ToText(), p.due.ToText(), p.last});
+  return rows;
+}
+
+struct Example {
+  const char* what;
+  const char* start;
+  const char* end;
+  int32_t months;
+  int32_t period;
+  bool advance;
+  std::vector<Row> want;
+};
+
+TEST(PlanFeeTerm, WorkedExamples) {
+  const Example examples[] = {
+      {"10-month lease, period 3 in advance: 10 \\ 3 leaves a remainder, so 4 rows",
+       "2012-03-15",
+       "2013-01-14",
+       10,
+       3,
+       /*advance=*/true,
+       {{"2012-03-15", "2012-06-14", "2012-03-15", false},
+        {"2012-06-15", "2012-09-14", "2012-06-14", false},
+        {"2012-09-15", "2012-12-14", "2012-09-14", false},
+        {"2012-12-15", "2013-01-14", "2012-12-14", true}}},
+      {"the same lease collected in arrears (后付), period 5",
+       "2012-03-15",
+       "2013-01-14",
+       10,
+       5,
+       /*advance=*/false,
+       {{"2012-03-15", "2012-08-14", "2012-08-14", false},
+        {"2012-08-15", "2013-01-14", "2013-01-14", true}}},
+      {"end-of-month drift in a leap year: never back to the 31st",
+       "2012-01-31",
+       "2012-04-29",
+       3,
+       1,
+       /*advance=*/false,
+       {{"2012-01-31", "2012-02-28", "2012-02-28", false},
+        {"2012-02-29", "2012-03-28", "2012-03-28", false},
+        {"2012-03-29", "2012-04-29", "2012-04-29", true}}},
+      {"8-month lease, period 3 in advance: the last row is shorter",
+       "2012-01-01",
+       "2012-08-31",
+       8,
+       3,
+       /*advance=*/true,
+       {{"2012-01-01", "2012-03-31", "2012-01-01", false},
+        {"2012-04-01", "2012-06-30", "2012-03-31", false},
+        {"2012-07-01", "2012-08-31", "2012-06-30", true}}},
+      {"period longer than the lease: one row over the whole lease",
+       "2012-03-15",
+       "2012-06-14",
+       3,
+       6,
+       /*advance=*/true,
+       {{"2012-03-15", "2012-06-14", "2012-03-15", true}}},
+      {"the same in arrears is due on the lease's last day",
+       "2012-03-15",
+       "2012-06-14",
+       3,
+       6,
+       /*advance=*/false,
+       {{"2012-03-15", "2012-06-14", "2012-06-14", true}}},
+      {"end date edited later than the months: the count follows the months, the last row "
+       "stretches to the end date",
+       "2012-03-15",
+       "2013-03-31",
+       10,
+       3,
+       /*advance=*/true,
+       {{"2012-03-15", "2012-06-14", "2012-03-15", false},
+        {"2012-06-15", "2012-09-14", "2012-06-14", false},
+        {"2012-09-15", "2012-12-14", "2012-09-14", false},
+        {"2012-12-15", "2013-03-31", "2012-12-14", true}}},
+      {"end date edited earlier than the months: the last row ends on it even before it "
+       "starts",
+       "2012-03-15",
+       "2012-10-31",
+       10,
+       3,
+       /*advance=*/false,
+       {{"2012-03-15", "2012-06-14", "2012-06-14", false},
+        {"2012-06-15", "2012-09-14", "2012-09-14", false},
+        {"2012-09-15", "2012-12-14", "2012-12-14", false},
+        {"2012-12-15", "2012-10-31", "2012-10-31", true}}},
+      {"leap-day start over several years: the 28th once cut short stays, even in 2016",
+       "2012-02-29",
+       "2016-02-28",
+       48,
+       12,
+       /*advance=*/true,
+       {{"2012-02-29", "2013-02-27", "2012-02-29", false},
+        {"2013-02-28", "2014-02-27", "2013-02-27", false},
+        {"2014-02-28", "2015-02-27", "2014-02-27", false},
+        {"2015-02-28", "2016-02-28", "2015-02-27", true}}},
+      {"leap-day start, monthly: the 29th holds where February is past",
+       "2012-02-29",
+       "2012-05-28",
+       3,
+       1,
+       /*advance=*/true,
+       {{"2012-02-29", "2012-03-28", "2012-02-29", false},
+        {"2012-03-29", "2012-04-28", "2012-03-28", false},
+        {"2012-04-29", "2012-05-28", "2012-04-28", true}}},
+      {"a lease of 0 months has no rows", "2012-03-15", "2012-03-15", 0, 1, /*advance=*/true, {}},
+      {"a period of 0 has no rows", "2012-03-15", "2013-01-14", 10, 0, /*advance=*/true, {}},
+      {"a negative period has no rows", "2012-03-15", "2013-01-14", 10, -3, /*advance=*/false, {}},
+  };
+  for (const Example& e : examples) {
+    EXPECT_EQ(Rows(PlanFeeTerm(D(e.start), D(e.end), e.months, e.period, e.advance)), e.want)
+        << e.what;
+  }
+}
+
+TEST(PlanFeeTerm, TenYearMonthlyTerm) {
+  const auto plain =
+      PlanFeeTerm(D("2012-01-01"), D("2021-12-31"), /*months=*/120, /*period=*/1, /*advance=*/true);
+  ASSERT_EQ(plain.size(), 120u);
+  EXPECT_EQ(Rows({plain[59]}),
+            (std::vector<Row>{{"2016-12-01", "2016-12-31", "2016-11-30", false}}));
+  EXPECT_EQ(Rows({plain.back()}),
+            (std::vector<Row>{{"2021-12-01", "2021-12-31", "2021-11-30", true}}));
+
+  // From the 31st, February 2012 cuts the day to the 29th and February 2013 to the 28th,
+  // where it stays for the rest of the ten years, leap years included.
+  const auto drifting = PlanFeeTerm(D("2012-01-31"), D("2022-01-30"), /*months=*/120, /*period=*/1,
+                                    /*advance=*/false);
+  ASSERT_EQ(drifting.size(), 120u);
+  for (size_t i = 1; i < drifting.size(); ++i)
+    EXPECT_EQ(drifting[i].start.day(), i <= 12 ? 29 : 28) << drifting[i].start.ToText();
+  EXPECT_EQ(drifting[13].start.ToText(), "2013-02-28");
+  EXPECT_EQ(drifting.back().start.ToText(), "2021-12-28");
+  EXPECT_EQ(drifting.back().end.ToText(), "2022-01-30");
+
+  // A 7-month period over the same lease: 120 \ 7 leaves a remainder.
+  EXPECT_EQ(
+      PlanFeeTerm(D("2012-01-01"), D("2021-12-31"), /*months=*/120, /*period=*/7, /*advance=*/true)
+          .size(),
+      18u);
+}
+
+// What must hold for every lease: the periods tile the lease without gap or overlap, each
+// spans exactly `period` calendar months, the day of the month never grows, the count is the
+// months divided by the period rounded up, and the due dates follow the side of collection.
+TEST(PlanFeeTerm, PeriodsTileEveryLease) {
+  const int32_t months_list[] = {1, 2, 3, 7, 10, 12, 13, 24, 25};
+  const int32_t periods_list[] = {1, 2, 3, 5, 6, 12, 13};
+  const Date first = D("2012-01-01");
+  for (int32_t day = 0; day < 366; ++day) {
+    const Date start = AddDays(first, day);
+    for (int32_t months : months_list) {
+      const Date end = AddDays(AddMonths(start, months), -1);
+      for (int32_t period : periods_list) {
+        for (bool advance : {true, false}) {
+          const auto ps = PlanFeeTerm(start, end, months, period, advance);
+          const std::string ctx =
+              start.ToText() + " m=" + std::to_string(months) + " t=" + std::to_string(period);
+          ASSERT_EQ(static_cast<int32_t>(ps.size()), (months + period - 1) / period) << ctx;
+          EXPECT_EQ(ps.front().start, start) << ctx;
+          EXPECT_EQ(ps.back().end, end) << ctx;
+          for (size_t i = 0; i < ps.size(); ++i) {
+            const SchedulePeriod& p = ps[i];
+            EXPECT_EQ(p.last, i + 1 == ps.size()) << ctx;
+            EXPECT_LE(p.start, p.end) << ctx;
+            if (!advance)
+              EXPECT_EQ(p.due, p.end) << ctx;
+            else if (i == 0)
+              EXPECT_EQ(p.due, p.start) << ctx;
+            else
+              EXPECT_EQ(p.due, ps[i - 1].end) << ctx;
+            if (i + 1 < ps.size()) {
+              const Date next = ps[i + 1].start;
+              EXPECT_EQ(next, AddDays(p.end, 1)) << ctx;
+              EXPECT_EQ((next.year() - p.start.year()) * 12 + next.month() - p.start.month(),
+                        period)
+                  << ctx;
+              EXPECT_LE(next.day(), p.start.day()) << ctx;
+            }
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(PlanStoredFeeTerm, RoundsMonthsAndPeriodHalfToEven) {
+  struct Case {
+    double months, period;
+    size_t want_rows;
+    const char* want_first_end;
+  } cases[] = {
+      {2.5, 1, 2, "2012-04-14"},                                 // 2.5 months -> 2
+      {3.5, 1, 4, "2012-04-14"},                                 // 3.5 months -> 4
+      {10, 2.5, 5, "2012-05-14"},                                // period 2.5 -> 2
+      {10, 3.5, 3, "2012-07-14"},                                // period 3.5 -> 4
+      {10, 0.6, 10, "2012-04-14"}, {9.6, 2.9, 4, "2012-06-14"},  // 10 \ 3, remainder
+  };
+  for (const Case& c : cases) {
+    const auto ps = PlanStoredFeeTerm(D("2012-03-15"), D("2013-01-14"), c.months, c.period,
+                                      /*advance=*/true);
+    ASSERT_EQ(ps.size(), c.want_rows) << c.months << " / " << c.period;
+    EXPECT_EQ(ps.front().end.ToText(), c.want_first_end) << c.months << " / " << c.period;
+    EXPECT_EQ(ps.back().end.ToText(), "2013-01-14");
+  }
+  EXPECT_EQ(WholeMonths(2.5), 2);
+  EXPECT_EQ(WholeMonths(3.5), 4);
+  EXPECT_EQ(WholeMonths(-2.5), -2);
+}
+
+TEST(PlanStoredFeeTerm, PeriodOfZeroOrLessHasNoScheduleButOneRoundingToZeroFails) {
+  const Date s = D("2012-03-15"), e = D("2013-01-14");
+  for (double none : {0.0, -0.4, -1.0, -12.0})
+    EXPECT_TRUE(PlanStoredFeeTerm(s, e, /*months=*/10, none, /*advance=*/true).empty()) << none;
+  for (double zero : {0.4, 0.5, 0.1}) {
+    try {
+      PlanStoredFeeTerm(s, e, /*months=*/10, zero, /*advance=*/true);
+      ADD_FAILURE() << zero << " gave a schedule";
+    } catch (const VbError& err) {
+      EXPECT_EQ(err.Number(), vb_error::kDivisionByZero) << zero;
+      EXPECT_EQ(err.Description(), "Division by zero");
+    }
+  }
+}
+
+TEST(PlanStoredFeeTerm, NumbersAndDatesBeyondVbRangesAreRunTimeFailures) {
+  const Date s = D("2012-03-15");
+  try {
+    PlanStoredFeeTerm(s, s, /*months=*/1e12, /*period=*/1, /*advance=*/true);
+    ADD_FAILURE() << "1e12 months gave a schedule";
+  } catch (const VbError& err) {
+    EXPECT_EQ(err.Number(), 6);
+  }
+  EXPECT_THROW(PlanStoredFeeTerm(s, s, /*months=*/10, /*period=*/3e9, /*advance=*/true), VbError);
+
+  // A walk stops with a failure at the first period that would end after 9999-12-31, having
+  // given the ones before it; one that ends exactly there is fine.
+  PeriodWalker walk(D("9995-06-15"), D("9999-12-31"), /*months=*/120, /*period=*/12,
+                    /*advance=*/true);
+  SchedulePeriod p;
+  int given = 0;
+  try {
+    while (walk.Next(p)) ++given;
+    ADD_FAILURE() << "the walk passed 9999-12-31";
+  } catch (const VbError& err) {
+    EXPECT_EQ(err.Number(), 5);
+  }
+  EXPECT_EQ(given, 4);
+  EXPECT_EQ(p.end.ToText(), "9999-06-14");
+  const auto to_the_end =
+      PlanFeeTerm(D("9999-01-01"), D("9999-12-31"), /*months=*/12, /*period=*/1, /*advance=*/true);
+  ASSERT_EQ(to_the_end.size(), 12u);
+  EXPECT_EQ(to_the_end[10].end.ToText(), "9999-11-30");
+}
+
+}  // namespace
+}  // namespace mrvk
