@@ -143,6 +143,40 @@ TEST(SqlRewriter, TextInsideLiteralsIsNeverRewritten) {
   }
 }
 
+TEST(SqlRewriter, StatementsOfOneShapeShareTheirRewritingButNotTheirValues) {
+  SqlRewriter rw(Dialect::Postgres, TestTypes());
+  RewrittenSql a, b, c, d;
+  std::string error;
+  ASSERT_TRUE(rw.Rewrite("select top 1 名称 from t where 合同ID=5 and 名称<>'x'", a, error));
+  ASSERT_TRUE(rw.Rewrite("select top 1 名称 from t where 合同ID=77 and 名称<>'y''z'", b, error));
+  EXPECT_EQ(a.sql, b.sql);
+  EXPECT_EQ(a.shape_id, b.shape_id);
+  EXPECT_EQ(b.params[0].text, "77");
+  EXPECT_EQ(b.params[1].text, "y'z");
+  // The number of a top is part of the shape.
+  ASSERT_TRUE(rw.Rewrite("select top 5 名称 from t where 合同ID=5 and 名称<>'x'", c, error));
+  EXPECT_NE(c.shape_id, a.shape_id);
+  EXPECT_NE(c.sql.find("LIMIT 5"), std::string::npos);
+  // A number where a text stood is another shape: the text joins, the number adds.
+  ASSERT_TRUE(rw.Rewrite("select 金额 + 'a' from t", a, error));
+  ASSERT_TRUE(rw.Rewrite("select 金额 + 1 from t", d, error));
+  EXPECT_EQ(a.sql, "select 金额 || 'a' from t");
+  EXPECT_EQ(d.sql, "select 金额 + 1 from t");
+  // Values left in the text are the statement's own, not the first statement's.
+  ASSERT_TRUE(rw.Rewrite("select 'first' as a from t", a, error));
+  ASSERT_TRUE(rw.Rewrite("select 'sec''ond' as a from t", b, error));
+  EXPECT_EQ(b.sql, "select 'sec''ond' as a from t");
+  // A value checked against its column is checked every time, not only the first.
+  ASSERT_TRUE(rw.Rewrite("update t set 合同日期='2012-01-31' where 合同ID=1", a, error));
+  EXPECT_FALSE(rw.Rewrite("update t set 合同日期='2012-02-31' where 合同ID=1", b, error));
+  EXPECT_NE(error.find("not a date"), std::string::npos);
+  // Negative numbers keep their sign in either place.
+  ASSERT_TRUE(rw.Rewrite("update t set 金额=-3 where 合同ID=-4", a, error));
+  EXPECT_EQ(a.sql, "update t set 金额=$1 where 合同ID=$2");
+  EXPECT_EQ(a.params[0].text, "-3");
+  EXPECT_EQ(a.params[1].text, "-4");
+}
+
 TEST(SqlRewriter, SurvivesArbitraryBytes) {
   // Nothing the rewriter is fed may crash it; what it refuses it explains.
   std::string junk;
