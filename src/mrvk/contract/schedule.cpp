@@ -170,11 +170,14 @@ bool BuildSchedule(IHostDatabase& db, IHostBillData& bill, int32_t contract_id, 
       FeeTerm& t = terms.emplace_back();
       t.advance = rs->Fields("是否预收").Value.ToDouble();
       t.period = rs->Fields("收款期间").Value.ToDouble();
-      t.before_dates = "," + id + "," + SqlQuoted(rs->Fields("费用名称").Value.ToString()) + "," +
-                       NumberText(rs->Fields("是否包干").Value.ToDouble()) + "," +
-                       NumberText(t.advance) + "," + NumberText(t.period) + ",";
-      t.after_dates = "," + NumberText(rs->Fields("度数").Value.ToDouble()) + ",";
-      t.tail = "," + NumberText(rs->Fields("序号").Value.ToDouble()) + ",0)";
+      // Appended piece by piece (GCC 12 warns falsely on "," + std::string at -O3).
+      t.before_dates.append(",").append(id).append(",");
+      t.before_dates.append(SqlQuoted(rs->Fields("费用名称").Value.ToString())).append(",");
+      t.before_dates.append(NumberText(rs->Fields("是否包干").Value.ToDouble())).append(",");
+      t.before_dates.append(NumberText(t.advance)).append(",");
+      t.before_dates.append(NumberText(t.period)).append(",");
+      t.after_dates.append(",").append(NumberText(rs->Fields("度数").Value.ToDouble())).append(",");
+      t.tail.append(",").append(NumberText(rs->Fields("序号").Value.ToDouble())).append(",0)");
     }
   }
 
