@@ -29,7 +29,8 @@ inline std::string PgUrl(const std::string& name) {
   admin->ExecuteRaw("DROP SCHEMA IF EXISTS " + schema + " CASCADE");
   admin->ExecuteRaw("CREATE SCHEMA " + schema);
   std::string url = base;
-  return url + (url.find('?') == std::string::npos ? "?" : "&") + "options=-csearch_path%3D" + schema;
+  return url + (url.find('?') == std::string::npos ? "?" : "&") + "options=-csearch_path%3D" +
+         schema;
 }
 
 inline std::unique_ptr<kvhost::Host> OpenHost(const std::string& url) {

@@ -17,15 +17,18 @@ using kvhost::db::SqlParam;
 
 constexpr int32_t kContract = 1;
 constexpr int kFeeTerms = 8;
-const char* kFeeNames[kFeeTerms] = {"房租", "物业费", "水费", "电费", "燃气费", "网络费", "停车费", "垃圾费"};
+const char* kFeeNames[kFeeTerms] = {"房租",   "物业费", "水费",   "电费",
+                                    "燃气费", "网络费", "停车费", "垃圾费"};
 
 std::unique_ptr<kvhost::Host> ContractHost(bool postgres) {
-  const std::string url = postgres ? mrvk_bench::PgUrl("schedule") : mrvk_bench::SqliteUrl("schedule");
+  const std::string url =
+      postgres ? mrvk_bench::PgUrl("schedule") : mrvk_bench::SqliteUrl("schedule");
   if (url.empty()) return nullptr;
   auto host = mrvk_bench::OpenHost(url);
   for (int i = 0; i < kFeeTerms; ++i) {
     host->database().Execute(
-        "insert into fwhdfs (合同明细ID,合同ID,费用名称,是否预收,是否包干,收款期间,度数,序号) values (" +
+        "insert into fwhdfs (合同明细ID,合同ID,费用名称,是否预收,是否包干,收款期间,度数,序号) "
+        "values (" +
         std::to_string(i + 1) + "," + std::to_string(kContract) + ",'" + kFeeNames[i] + "'," +
         (i % 2 ? "0" : "1") + "," + (i < 2 ? "1" : "0") + ",1,0," + std::to_string(i + 1) + ")");
   }
@@ -49,8 +52,9 @@ void Approve(benchmark::State& state, bool postgres) {
       ok = mrvk::BuildSchedule(host->database(), bill, kContract, kStart, kEnd, /*months=*/120);
     });
     if (!s.ok() || !ok) {
-      state.SkipWithError(("BuildSchedule failed: " + s.message() +
-                           host->database().Error().Description()).c_str());
+      state.SkipWithError(
+          ("BuildSchedule failed: " + s.message() + host->database().Error().Description())
+              .c_str());
       break;
     }
   }
@@ -126,7 +130,8 @@ BENCHMARK_CAPTURE(Approve, sqlite, false)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(EngineAlone, sqlite_prepared_row_by_row, false, 1)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(EngineAlone, sqlite_multi_row_120, false, 120)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Approve, postgres, true)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(EngineAlone, postgres_prepared_row_by_row, true, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(EngineAlone, postgres_prepared_row_by_row, true, 1)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(EngineAlone, postgres_multi_row_120, true, 120)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -57,8 +57,7 @@ int ScriptedUi::MsgBox(const std::string& prompt, int flags, const std::string& 
   return a;
 }
 
-std::optional<std::string> ScriptedUi::InputBox(const std::string& prompt,
-                                                const std::string& title,
+std::optional<std::string> ScriptedUi::InputBox(const std::string& prompt, const std::string& title,
                                                 const std::string& default_text) {
   shown.push_back({"inputbox", prompt, 0, title});
   (void)default_text;
@@ -84,8 +83,8 @@ Host::Host(HostConfig config) : config_(std::move(config)), status_(Status::Ok()
     status_ = Status::Error(error);
     return;
   }
-  context_ = std::make_unique<HostContext>(*database_, options_, config_.user, config_.app_path,
-                                           login);
+  context_ =
+      std::make_unique<HostContext>(*database_, options_, config_.user, config_.app_path, login);
 }
 
 Host::~Host() {
@@ -151,8 +150,8 @@ Screen* Host::open(const std::string& class_name, int32_t progID, int32_t record
     }
   });
   if (!s.ok() || !initialised) {
-    last_error_ = !s.ok() ? s.message()
-                          : (!error.empty() ? error : class_name + ".Init refused to open");
+    last_error_ =
+        !s.ok() ? s.message() : (!error.empty() ? error : class_name + ".Init refused to open");
     return nullptr;
   }
   Screen* raw = screen.get();
@@ -188,8 +187,8 @@ std::vector<int> Host::screen_ids() const {
   return ids;
 }
 
-Status Host::run_tool(const std::string& class_name, int32_t progID, int32_t record,
-                      int32_t action, bool& result) {
+Status Host::run_tool(const std::string& class_name, int32_t progID, int32_t record, int32_t action,
+                      bool& result) {
   result = false;
   if (!status_.ok()) return status_;
   std::string error;
@@ -248,17 +247,29 @@ const std::map<std::string, FormOp>& FormOps() {
       {"Find", {1, [](F& f, const Args& a) { return mrvk::Variant(f.Find(a[0])); }}},
       {"Filter", {1, [](F& f, const Args& a) { return mrvk::Variant(f.Filter(a[0])); }}},
       {"DoSetStatus",
-       {2, [](F& f, const Args& a) {
+       {2,
+        [](F& f, const Args& a) {
           return mrvk::Variant(f.DoSetStatus(a[0].ToString(), a[1].ToDouble() != 0));
         }}},
       {"GetID", {0, [](F& f, const Args&) { return mrvk::Variant(f.GetID()); }}},
       {"CheckStatus",
        {1, [](F& f, const Args& a) { return mrvk::Variant(f.CheckStatus(a[0].ToString())); }}},
-      {"ReturnPrintName", {0, [](F& f, const Args&) { return mrvk::Variant(f.ReturnPrintName()); }}},
+      {"ReturnPrintName",
+       {0, [](F& f, const Args&) { return mrvk::Variant(f.ReturnPrintName()); }}},
       {"Attributes",
        {1, [](F& f, const Args& a) { return mrvk::Variant(f.Attributes(a[0].ToLong())); }}},
-      {"DoGetFormStatus", {0, [](F& f, const Args&) { f.DoGetFormStatus(); return mrvk::Variant(); }}},
-      {"DoSaveFormStatus", {0, [](F& f, const Args&) { f.DoSaveFormStatus(); return mrvk::Variant(); }}},
+      {"DoGetFormStatus",
+       {0,
+        [](F& f, const Args&) {
+          f.DoGetFormStatus();
+          return mrvk::Variant();
+        }}},
+      {"DoSaveFormStatus",
+       {0,
+        [](F& f, const Args&) {
+          f.DoSaveFormStatus();
+          return mrvk::Variant();
+        }}},
   };
   return ops;
 }
@@ -286,11 +297,14 @@ const std::map<std::string, ReportOp>& ReportOps() {
       {"Help", op0(&R::Help)},
       {"Find", {1, [](R& r, const Args& a) { return mrvk::Variant(r.Find(a[0])); }}},
       {"Filter", {1, [](R& r, const Args& a) { return mrvk::Variant(r.Filter(a[0])); }}},
-      {"ReturnPrintName", {0, [](R& r, const Args&) { return mrvk::Variant(r.ReturnPrintName()); }}},
+      {"ReturnPrintName",
+       {0, [](R& r, const Args&) { return mrvk::Variant(r.ReturnPrintName()); }}},
       {"Attributes",
        {1, [](R& r, const Args& a) { return mrvk::Variant(r.Attributes(a[0].ToLong())); }}},
-      {"DoGetFormStatus", {0, [](R& r, const Args&) { return mrvk::Variant(r.DoGetFormStatus()); }}},
-      {"DoSaveFormStatus", {0, [](R& r, const Args&) { return mrvk::Variant(r.DoSaveFormStatus()); }}},
+      {"DoGetFormStatus",
+       {0, [](R& r, const Args&) { return mrvk::Variant(r.DoGetFormStatus()); }}},
+      {"DoSaveFormStatus",
+       {0, [](R& r, const Args&) { return mrvk::Variant(r.DoSaveFormStatus()); }}},
   };
   return ops;
 }

@@ -43,9 +43,9 @@ class UnscriptedBox : public std::runtime_error {
 // The UI port of tests and batch jobs: answers come from queues filled in advance.
 class ScriptedUi : public mrvk::IUiPort {
  public:
-  std::deque<int> answers;                         // message box answers, in order
+  std::deque<int> answers;                        // message box answers, in order
   std::deque<std::optional<std::string>> inputs;  // input box answers; nullopt = cancel
-  std::vector<ShownBox> shown;                     // every box shown, in order
+  std::vector<ShownBox> shown;                    // every box shown, in order
 
   int MsgBox(const std::string& prompt, int flags, const std::string& title) override;
   std::optional<std::string> InputBox(const std::string& prompt, const std::string& title,

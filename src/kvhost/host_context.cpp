@@ -41,7 +41,8 @@ std::string HostContext::FormatBillCode(int32_t progID, mrvk::Date date, int64_t
 int64_t HostContext::LastIssued(int32_t progID, const std::string& period) {
   const db::Dialect d = db_.dialect();
   db::RewrittenSql q;
-  q.sql = "SELECT lastno FROM xt_billcode WHERE progID=" + Param(d, 1) + " AND period=" + Param(d, 2);
+  q.sql =
+      "SELECT lastno FROM xt_billcode WHERE progID=" + Param(d, 1) + " AND period=" + Param(d, 2);
   q.params = {{db::SqlParam::Kind::Integer, std::to_string(progID)},
               {db::SqlParam::Kind::Text, period}};
   db::ResultSet rs;
@@ -67,10 +68,9 @@ bool HostContext::BillCode(int32_t progID, mrvk::Date date, std::string& code, b
   }
   const std::string typed = mrvk::Trim(code);
   const std::string ours = Prefix(progID) + period;
-  const bool drawn = typed.empty() || (typed.size() == ours.size() + 4 &&
-                                       typed.compare(0, ours.size(), ours) == 0 &&
-                                       typed.find_first_not_of("0123456789", ours.size()) ==
-                                           std::string::npos);
+  const bool drawn = typed.empty() ||
+                     (typed.size() == ours.size() + 4 && typed.compare(0, ours.size(), ours) == 0 &&
+                      typed.find_first_not_of("0123456789", ours.size()) == std::string::npos);
   if (!drawn) return true;
   const db::Dialect d = db_.dialect();
   const std::vector<db::SqlParam> key = {{db::SqlParam::Kind::Integer, std::to_string(progID)},

@@ -10,12 +10,16 @@
 
 namespace kvhost {
 
-class HostContext : public mrvk::IHostContext, public mrvk::IHostEnvironment,
+class HostContext : public mrvk::IHostContext,
+                    public mrvk::IHostEnvironment,
                     public mrvk::IHostLastError {
  public:
   HostContext(db::Database& db, std::map<std::string, std::string>& options, std::string user,
               std::string app_path, mrvk::Date login_date)
-      : db_(db), options_(options), user_(std::move(user)), app_path_(std::move(app_path)),
+      : db_(db),
+        options_(options),
+        user_(std::move(user)),
+        app_path_(std::move(app_path)),
         login_date_(login_date) {}
 
   // IHostContext

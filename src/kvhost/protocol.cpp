@@ -41,9 +41,12 @@ json VariantToJson(const mrvk::Variant& v) {
       index.push_back(i);
       if (dim + 1 == a.Dimensions()) {
         const mrvk::Variant* cell = nullptr;
-        if (a.Dimensions() == 1) cell = &a.at({index[0]});
-        else if (a.Dimensions() == 2) cell = &a.at({index[0], index[1]});
-        else cell = &a.at({index[0], index[1], index[2]});
+        if (a.Dimensions() == 1)
+          cell = &a.at({index[0]});
+        else if (a.Dimensions() == 2)
+          cell = &a.at({index[0], index[1]});
+        else
+          cell = &a.at({index[0], index[1], index[2]});
         out.push_back(VariantToJson(*cell));
       } else {
         out.push_back(build(index));
@@ -94,7 +97,7 @@ bool JsonToVariant(const json& j, mrvk::Variant& out, std::string& error) {
   }
   auto array = std::make_shared<mrvk::VariantArray>(sizes);
   std::function<bool(const json&, std::vector<int>&)> fill = [&](const json& node,
-                                                                std::vector<int>& index) {
+                                                                 std::vector<int>& index) {
     const size_t dim = index.size();
     if (!node.is_array() || static_cast<int>(node.size()) != sizes[dim]) {
       error = "nested arrays must be rectangular";
@@ -109,9 +112,12 @@ bool JsonToVariant(const json& j, mrvk::Variant& out, std::string& error) {
           if (error.empty()) error = "nested arrays must be rectangular";
           return false;
         }
-        if (sizes.size() == 1) array->at({index[0]}) = v;
-        else if (sizes.size() == 2) array->at({index[0], index[1]}) = v;
-        else array->at({index[0], index[1], index[2]}) = v;
+        if (sizes.size() == 1)
+          array->at({index[0]}) = v;
+        else if (sizes.size() == 2)
+          array->at({index[0], index[1]}) = v;
+        else
+          array->at({index[0], index[1], index[2]}) = v;
       } else if (!fill(child, index)) {
         return false;
       }
@@ -134,8 +140,8 @@ json EventsToJson(const std::vector<HostEvent>& events) {
   for (const HostEvent& e : events) {
     json args = json::array();
     for (const auto& a : e.event.args) args.push_back(VariantToJson(a));
-    out.push_back({{"screen", e.screen}, {"name", e.event.name}, {"id", e.event.id},
-                   {"args", args}});
+    out.push_back(
+        {{"screen", e.screen}, {"name", e.event.name}, {"id", e.event.id}, {"args", args}});
   }
   return out;
 }
@@ -280,8 +286,10 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
       result_.reset();
       return r;
     }
-    json p = {{"kind", pending_->kind}, {"prompt", pending_->prompt},
-              {"flags", pending_->flags}, {"title", pending_->title}};
+    json p = {{"kind", pending_->kind},
+              {"prompt", pending_->prompt},
+              {"flags", pending_->flags},
+              {"title", pending_->title}};
     if (pending_->kind == "inputbox") p["default"] = pending_->default_text;
     json answer = {{"ok", true}, {"pending", p}, {"events", EventsToJson(pending_events_)}};
     pending_events_.clear();
@@ -306,7 +314,9 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
 
   // Every answer of an operation carries the events raised since the last answer.
   json Done(json result) {
-    return {{"ok", true}, {"result", std::move(result)}, {"events", EventsToJson(host_->take_events())}};
+    return {{"ok", true},
+            {"result", std::move(result)},
+            {"events", EventsToJson(host_->take_events())}};
   }
   json Failed(const std::string& error) {
     json f = Fail(error);
@@ -332,9 +342,10 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
     }
     host->set_ui_port(this);
     host_ = std::move(host);
-    return {{"ok", true},
-            {"result", {{"driver", host_->database().Properties().Item("driver").Value.ToString()}}},
-            {"events", json::array()}};
+    return {
+        {"ok", true},
+        {"result", {{"driver", host_->database().Properties().Item("driver").Value.ToString()}}},
+        {"events", json::array()}};
   }
 
   Screen* FindScreen(const json& req, std::string& error) {
@@ -388,7 +399,9 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
     std::string error;
     Screen* s = FindScreen(req, error);
     if (!s) return Fail(error);
-    json state = {{"screen", s->id}, {"class", s->class_name}, {"progID", s->progID},
+    json state = {{"screen", s->id},
+                  {"class", s->class_name},
+                  {"progID", s->progID},
                   {"controls", json::array()}};
     if (auto* form = s->form()) {
       bool dirty = false;

@@ -8,22 +8,22 @@ namespace mrvk {
 const std::vector<ClassInfo>& ClassTable() {
   using K = ClassKind;
   static const std::vector<ClassInfo> table = {
-      {"mTreeView", K::Procedures}, {"cTreeView", K::Wrapper},     {"mPub", K::Procedures},
-      {"PDMLy", K::Sheet},          {"selPdm", K::Picker},         {"clsPdm", K::Data},
-      {"FrmFykm", K::Dialog},       {"Cx_YjSk", K::Report},        {"selPdmFy", K::Picker},
-      {"clsFy", K::Data},           {"PDMWy", K::Sheet},           {"PDMFykm", K::Sheet},
-      {"FrmYz", K::Dialog},         {"PDMYz", K::Sheet},           {"FrmFy", K::Dialog},
-      {"PDMFy", K::Sheet},          {"YjSk_S", K::Sheet},          {"cFwHd_unfinish", K::Tool},
-      {"cFwHd_finish", K::Tool},    {"ZfHd_S", K::Sheet},          {"frmSel_ZfHd", K::Dialog},
-      {"FySk_S", K::Sheet},         {"Cx_ZfHd", K::Report},        {"ZjSk_S", K::Sheet},
-      {"Cx_FySk", K::Report},       {"Cx_ZjSk", K::Report},        {"YjTx_Zj", K::Report},
-      {"YjTx_Hd", K::Report},       {"zfhd_old", K::Sheet},        {"zfsk_old", K::Sheet},
-      {"FY_List", K::Sheet},        {"FY_MX_old", K::Sheet},       {"Sel_FY", K::Picker},
-      {"Sel_HT", K::Picker},        {"bMode", K::Procedures},      {"RPT_HT_List", K::Report},
-      {"RPT_SK_List", K::Report},   {"RPT_HT_SKQK", K::Report},    {"RPT_SK_QD", K::Report},
-      {"RPT_YJ_HD_DQ", K::Report},  {"RPT_YJ_HD_SK", K::Report},   {"zfHd_2", K::Sheet},
-      {"zfsk_2", K::Sheet},         {"RPT_SK_QD1", K::Report},     {"FY_MX", K::Sheet},
-      {"cFwFy_finish", K::Tool},    {"cFwFy_unfinish", K::Tool},   {"ToWordZFHD", K::Tool},
+      {"mTreeView", K::Procedures}, {"cTreeView", K::Wrapper},   {"mPub", K::Procedures},
+      {"PDMLy", K::Sheet},          {"selPdm", K::Picker},       {"clsPdm", K::Data},
+      {"FrmFykm", K::Dialog},       {"Cx_YjSk", K::Report},      {"selPdmFy", K::Picker},
+      {"clsFy", K::Data},           {"PDMWy", K::Sheet},         {"PDMFykm", K::Sheet},
+      {"FrmYz", K::Dialog},         {"PDMYz", K::Sheet},         {"FrmFy", K::Dialog},
+      {"PDMFy", K::Sheet},          {"YjSk_S", K::Sheet},        {"cFwHd_unfinish", K::Tool},
+      {"cFwHd_finish", K::Tool},    {"ZfHd_S", K::Sheet},        {"frmSel_ZfHd", K::Dialog},
+      {"FySk_S", K::Sheet},         {"Cx_ZfHd", K::Report},      {"ZjSk_S", K::Sheet},
+      {"Cx_FySk", K::Report},       {"Cx_ZjSk", K::Report},      {"YjTx_Zj", K::Report},
+      {"YjTx_Hd", K::Report},       {"zfhd_old", K::Sheet},      {"zfsk_old", K::Sheet},
+      {"FY_List", K::Sheet},        {"FY_MX_old", K::Sheet},     {"Sel_FY", K::Picker},
+      {"Sel_HT", K::Picker},        {"bMode", K::Procedures},    {"RPT_HT_List", K::Report},
+      {"RPT_SK_List", K::Report},   {"RPT_HT_SKQK", K::Report},  {"RPT_SK_QD", K::Report},
+      {"RPT_YJ_HD_DQ", K::Report},  {"RPT_YJ_HD_SK", K::Report}, {"zfHd_2", K::Sheet},
+      {"zfsk_2", K::Sheet},         {"RPT_SK_QD1", K::Report},   {"FY_MX", K::Sheet},
+      {"cFwFy_finish", K::Tool},    {"cFwFy_unfinish", K::Tool}, {"ToWordZFHD", K::Tool},
   };
   return table;
 }
@@ -69,7 +69,8 @@ std::unique_ptr<ModuleObject> CreateObject(std::string_view name, std::string& e
     if (!info) {
       error = "unknown class \"" + std::string(name) + "\"";
     } else if (info->kind == ClassKind::Dialog) {
-      error = "class \"" + std::string(name) + "\" is a dialog that its sheet opens, not a class the host creates";
+      error = "class \"" + std::string(name) +
+              "\" is a dialog that its sheet opens, not a class the host creates";
     } else if (info->kind == ClassKind::Procedures || info->kind == ClassKind::Wrapper) {
       error = "\"" + std::string(name) + "\" is not a class the host creates";
     } else {

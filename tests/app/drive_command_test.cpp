@@ -22,7 +22,8 @@ TEST_P(DriveCommandTest, InitDbThenDriveAnswersTheOwnersEntry) {
 
   std::istringstream in(
       json({{"op", "session"}, {"database", url()}}).dump() + "\n\n" +
-      R"({"op":"sql","query":"select top 1 menuname from xt_menu where progID=870004"})" "\n"
+      R"({"op":"sql","query":"select top 1 menuname from xt_menu where progID=870004"})"
+      "\n"
       "garbage\n");
   std::ostringstream answers;
   ASSERT_EQ(mrvk_app::RunDrive({}, in, answers, err), 0);

@@ -19,13 +19,15 @@ class ProtocolTest : public kvtest::EngineTest {
     kvtest::EngineTest::SetUp();
     if (IsSkipped() || HasFatalFailure()) return;
     kvtest::RegisterProbeSheet();
-    json a = Send({{"op", "session"}, {"database", url()}, {"user", "张三"}, {"login_date", "2012-10-11"}});
+    json a = Send(
+        {{"op", "session"}, {"database", url()}, {"user", "张三"}, {"login_date", "2012-10-11"}});
     ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
   }
   json Send(const json& req) { return driver_.Handle(req); }
   json SendLine(const std::string& line) { return json::parse(driver_.HandleLine(line)); }
   int OpenProbe(int record = 0) {
-    json a = Send({{"op", "open"}, {"class", "ProbeSheet"}, {"progID", 870004}, {"record", record}});
+    json a =
+        Send({{"op", "open"}, {"class", "ProbeSheet"}, {"progID", 870004}, {"record", record}});
     EXPECT_TRUE(a["ok"].get<bool>()) << a.dump();
     return a["result"].get<int>();
   }
@@ -39,7 +41,8 @@ class ProtocolTest : public kvtest::EngineTest {
 };
 
 TEST_P(ProtocolTest, SqlAnswersTheOwnersMenuEntry) {
-  json a = SendLine(R"({"op":"sql","query":"select top 1 menuname from xt_menu where progID=870004"})");
+  json a =
+      SendLine(R"({"op":"sql","query":"select top 1 menuname from xt_menu where progID=870004"})");
   ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
   EXPECT_EQ(a["result"]["rows"], json::array({json::array({"业主信息"})}));
   EXPECT_EQ(a["events"], json::array());
@@ -153,12 +156,19 @@ TEST_P(ProtocolTest, BadRequestsGetAClearErrorAndChangeNothing) {
       {R"({"op":"open","class":"ProbeSheet","progID":"870004"})", "wrong type"},
       {R"({"op":"open","class":"ProbeSheet","progID":99999999999})", "wrong type"},
       {R"({"op":"call","screen":42,"method":"FileNew"})", "no open screen 42"},
-      {R"({"op":"call","screen":)" + std::to_string(s) + R"(,"method":"Explode"})", "unknown operation"},
+      {R"({"op":"call","screen":)" + std::to_string(s) + R"(,"method":"Explode"})",
+       "unknown operation"},
       {R"({"op":"call","screen":)" + std::to_string(s) + R"(,"method":"Init"})", "host's own call"},
-      {R"({"op":"call","screen":)" + std::to_string(s) + R"(,"method":"Find"})", "takes 1 argument"},
-      {R"({"op":"call","screen":)" + std::to_string(s) + R"(,"method":"Find","args":[[[1],[2,3]]]})", "rectangular"},
-      {R"({"op":"call","screen":)" + std::to_string(s) + R"(,"method":"Check"})", "Division by zero"},
-      {R"({"op":"gesture","screen":)" + std::to_string(s) + R"(,"control":"kvTxt","index":2,"gesture":"type","text":"A"})", "no control"},
+      {R"({"op":"call","screen":)" + std::to_string(s) + R"(,"method":"Find"})",
+       "takes 1 argument"},
+      {R"({"op":"call","screen":)" + std::to_string(s) +
+           R"(,"method":"Find","args":[[[1],[2,3]]]})",
+       "rectangular"},
+      {R"({"op":"call","screen":)" + std::to_string(s) + R"(,"method":"Check"})",
+       "Division by zero"},
+      {R"({"op":"gesture","screen":)" + std::to_string(s) +
+           R"(,"control":"kvTxt","index":2,"gesture":"type","text":"A"})",
+       "no control"},
       {R"({"op":"sql"})", "missing field \"query\""},
       {R"({"op":"sql","query":"select nosuch from fwyz"})", "nosuch"},
       {R"({"op":"close","screen":-1})", "no open screen"},
@@ -188,17 +198,22 @@ TEST_P(ProtocolTest, FindPassesTheConditionArray) {
 TEST_P(ProtocolTest, RandomRequestsNeverCrashOrChangeTheDatabase) {
   const int s = OpenProbe();
   std::mt19937 rng(20121011);
-  const std::vector<std::string> ops = {"session", "open", "call", "gesture", "answer", "state",
-                                        "sql", "close", "tool", "", "x"};
-  const std::vector<std::string> methods = {"FileNew", "FileEdit", "Refresh", "Find", "GetID",
-                                            "IsDirty", "Attributes", "Nope", ""};
+  const std::vector<std::string> ops = {"session", "open",  "call", "gesture", "answer", "state",
+                                        "sql",     "close", "tool", "",        "x"};
+  const std::vector<std::string> methods = {"FileNew", "FileEdit",   "Refresh", "Find", "GetID",
+                                            "IsDirty", "Attributes", "Nope",    ""};
   auto random_value = [&](int depth, auto& self) -> json {
     switch (rng() % (depth > 2 ? 5 : 7)) {
-      case 0: return nullptr;
-      case 1: return static_cast<int64_t>(rng()) - (1LL << 31);
-      case 2: return std::string(rng() % 5, static_cast<char>('a' + rng() % 26));
-      case 3: return (rng() % 2) == 0;
-      case 4: return 0.5 * static_cast<double>(rng() % 100);
+      case 0:
+        return nullptr;
+      case 1:
+        return static_cast<int64_t>(rng()) - (1LL << 31);
+      case 2:
+        return std::string(rng() % 5, static_cast<char>('a' + rng() % 26));
+      case 3:
+        return (rng() % 2) == 0;
+      case 4:
+        return 0.5 * static_cast<double>(rng() % 100);
       case 5: {
         json arr = json::array();
         for (unsigned i = 0; i < rng() % 4; ++i) arr.push_back(self(depth + 1, self));

@@ -14,8 +14,8 @@ namespace {
 std::atomic<int> g_counter{0};
 
 std::string WithSearchPath(const std::string& base, const std::string& schema) {
-  return base + (base.find('?') == std::string::npos ? "?" : "&") +
-         "options=-csearch_path%3D" + schema;
+  return base + (base.find('?') == std::string::npos ? "?" : "&") + "options=-csearch_path%3D" +
+         schema;
 }
 
 }  // namespace
@@ -42,7 +42,8 @@ void EngineTest::SetUp() {
     ASSERT_TRUE(admin->ExecuteRaw("CREATE SCHEMA " + pg_schema_).ok());
     url_ = WithSearchPath(base, pg_schema_);
   } else {
-    sqlite_file_ = (std::filesystem::temp_directory_path() / ("mrvk_test_" + tag + ".sqlite3")).string();
+    sqlite_file_ =
+        (std::filesystem::temp_directory_path() / ("mrvk_test_" + tag + ".sqlite3")).string();
     std::filesystem::remove(sqlite_file_);
     url_ = "sqlite://" + sqlite_file_;
   }
@@ -60,8 +61,7 @@ void EngineTest::TearDown() {
       admin->ExecuteRaw("DROP SCHEMA " + pg_schema_ + " CASCADE");
   }
   if (!sqlite_file_.empty()) {
-    for (const char* suffix : {"", "-wal", "-shm"})
-      std::filesystem::remove(sqlite_file_ + suffix);
+    for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(sqlite_file_ + suffix);
   }
 }
 

@@ -45,8 +45,7 @@ std::string TestPgUrl();
 
 }  // namespace kvtest
 
-#define MRVK_ON_BOTH_ENGINES(Suite)                                           \
-  INSTANTIATE_TEST_SUITE_P(Engines, Suite, ::testing::Values("sqlite", "postgres"), \
-                           [](const ::testing::TestParamInfo<const char*>& i) {      \
-                             return std::string(i.param);                           \
-                           })
+#define MRVK_ON_BOTH_ENGINES(Suite)                            \
+  INSTANTIATE_TEST_SUITE_P(                                    \
+      Engines, Suite, ::testing::Values("sqlite", "postgres"), \
+      [](const ::testing::TestParamInfo<const char*>& i) { return std::string(i.param); })

@@ -58,7 +58,8 @@ class ProbeSheet : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk:
     int32_t id = 0;
     std::string why = NewKey(id);
     if (!why.empty()) {
-      RaiseEvent("ErrMessage", mrvk::event_id::kErrMessage, {Variant(why), Variant(8), Variant("探针")});
+      RaiseEvent("ErrMessage", mrvk::event_id::kErrMessage,
+                 {Variant(why), Variant(8), Variant("探针")});
       return false;
     }
     db.CreateCommand("insert into fwyz (业主ID,业主编号,业主名称,类型) values (" +
@@ -89,7 +90,9 @@ class ProbeSheet : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk:
   bool RecordNext() override { return false; }
   bool RecordBottom() override { return false; }
   // A run-time failure escaping the module: the host must turn it into an error answer.
-  bool Check() override { throw mrvk::VbError(mrvk::vb_error::kDivisionByZero, "Division by zero"); }
+  bool Check() override {
+    throw mrvk::VbError(mrvk::vb_error::kDivisionByZero, "Division by zero");
+  }
   bool UnCheck() override { return false; }
   bool PrintPreview() override { return false; }
   bool DoPrint() override { return false; }

@@ -10,8 +10,7 @@ namespace kvhost::db {
 namespace {
 
 bool SameName(const std::string& a, const std::string& b) {
-  return a.size() == b.size() &&
-         std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
            return std::tolower(static_cast<unsigned char>(x)) ==
                   std::tolower(static_cast<unsigned char>(y));
          });
@@ -28,7 +27,9 @@ class MemoryRecordset : public mrvk::Recordset {
   bool Eof() const override { return pos_ >= rows_.rows(); }
   bool Bof() const override { return rows_.rows() == 0; }
   void MoveNext() override {
-    if (Eof()) throw mrvk::VbError(3021, "Either BOF or EOF is True, or the current record has been deleted.");
+    if (Eof())
+      throw mrvk::VbError(3021,
+                          "Either BOF or EOF is True, or the current record has been deleted.");
     ++pos_;
     Load();
   }
@@ -61,9 +62,9 @@ class MemoryRecordset : public mrvk::Recordset {
     a.fields = rows_.columns.size();
     if (pos_ < rows_.rows()) {
       a.rows = rows_.rows() - pos_;
-      a.cells.assign(std::make_move_iterator(rows_.values.begin() +
-                                             static_cast<ptrdiff_t>(pos_ * a.fields)),
-                     std::make_move_iterator(rows_.values.end()));
+      a.cells.assign(
+          std::make_move_iterator(rows_.values.begin() + static_cast<ptrdiff_t>(pos_ * a.fields)),
+          std::make_move_iterator(rows_.values.end()));
     }
     pos_ = rows_.rows();
     return a;
@@ -73,7 +74,9 @@ class MemoryRecordset : public mrvk::Recordset {
 
  private:
   void CheckRow() const {
-    if (Eof()) throw mrvk::VbError(3021, "Either BOF or EOF is True, or the current record has been deleted.");
+    if (Eof())
+      throw mrvk::VbError(3021,
+                          "Either BOF or EOF is True, or the current record has been deleted.");
   }
   void Load() {
     if (Eof()) return;
@@ -113,8 +116,7 @@ mrvk::IHostProperty Database::Props::Item(const std::string& name) const {
 }
 
 Database::Database(std::unique_ptr<Connection> connection)
-    : connection_(std::move(connection)),
-      rewriter_(connection_->dialect(), SchemaColumnTypes()) {
+    : connection_(std::move(connection)), rewriter_(connection_->dialect(), SchemaColumnTypes()) {
   properties_.driver = connection_->dialect() == Dialect::Sqlite ? "jet" : "postgresql";
 }
 

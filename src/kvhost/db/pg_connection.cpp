@@ -40,8 +40,7 @@ PgConnection::~PgConnection() {
   if (conn_) PQfinish(conn_);
 }
 
-std::unique_ptr<PgConnection> PgConnection::Open(const std::string& conninfo,
-                                                std::string& error) {
+std::unique_ptr<PgConnection> PgConnection::Open(const std::string& conninfo, std::string& error) {
   auto conn = std::unique_ptr<PgConnection>(new PgConnection());
   conn->conn_ = PQconnectdb(conninfo.c_str());
   if (!conn->conn_ || PQstatus(conn->conn_) != CONNECTION_OK) {
@@ -105,8 +104,7 @@ Status PgConnection::Run(const RewrittenSql& stmt, PGresult** out) {
   it->second.last_use = tick_;
   std::vector<const char*> values(stmt.params.size());
   for (size_t i = 0; i < stmt.params.size(); ++i) {
-    values[i] = stmt.params[i].kind == SqlParam::Kind::Null ? nullptr
-                                                             : stmt.params[i].text.c_str();
+    values[i] = stmt.params[i].kind == SqlParam::Kind::Null ? nullptr : stmt.params[i].text.c_str();
   }
   PGresult* res = PQexecPrepared(conn_, it->second.name.c_str(), static_cast<int>(values.size()),
                                  values.data(), nullptr, nullptr, 0);

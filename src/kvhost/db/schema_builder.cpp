@@ -129,8 +129,10 @@ class Builder {
     if (conn_.dialect() == Dialect::Sqlite) {
       sql = "SELECT name FROM pragma_table_info('" + std::string(t.name) + "')";
     } else {
-      sql = "SELECT column_name FROM information_schema.columns WHERE table_schema = "
-            "current_schema() AND table_name = '" + Lower(t.name) + "'";
+      sql =
+          "SELECT column_name FROM information_schema.columns WHERE table_schema = "
+          "current_schema() AND table_name = '" +
+          Lower(t.name) + "'";
     }
     if (Status s = Query(sql, rs); !s.ok()) return s;
     for (const auto& v : rs.values) cols.insert(Lower(v.ToString()));
@@ -197,11 +199,12 @@ class Builder {
                            std::to_string(vals.size()) + " values");
     std::string where;
     for (int i = 0; i < row.key_columns && i < static_cast<int>(cols.size()); ++i) {
-      where += (i ? " and " : "") + cols[static_cast<size_t>(i)] + "=" + vals[static_cast<size_t>(i)];
+      where +=
+          (i ? " and " : "") + cols[static_cast<size_t>(i)] + "=" + vals[static_cast<size_t>(i)];
     }
     ResultSet rs;
-    if (Status s = Rewritten("select count(*) from " + std::string(row.table) + " where " + where,
-                             &rs);
+    if (Status s =
+            Rewritten("select count(*) from " + std::string(row.table) + " where " + where, &rs);
         !s.ok())
       return s;
     if (rs.values.empty() || rs.values[0].ToDouble() > 0) return Status::Ok();
@@ -224,17 +227,17 @@ class Builder {
     const std::string max = "(SELECT COALESCE(MAX(" + col + "),0) FROM " + table + ")";
     if (conn_.dialect() == Dialect::Sqlite) {
       return Raw("INSERT OR IGNORE INTO xt_newid (tablename, keyname, lastid) VALUES ('" + table +
-                 "','" + col + "',0); UPDATE xt_newid SET lastid = " + max +
-                 " WHERE tablename='" + table + "' AND keyname='" + col + "' AND lastid < " + max);
+                 "','" + col + "',0); UPDATE xt_newid SET lastid = " + max + " WHERE tablename='" +
+                 table + "' AND keyname='" + col + "' AND lastid < " + max);
     }
     const std::string seq = "\"" + PgConnection::SequenceName(table, col) + "\"";
     ResultSet rs;
     if (Status s = Raw("CREATE SEQUENCE IF NOT EXISTS " + seq + " MINVALUE 1 MAXVALUE 2147483647");
         !s.ok())
       return s;
-    return Query("SELECT setval('" + seq + "', GREATEST(" + max + ", (SELECT last_value FROM " +
-                     seq + ")))",
-                 rs);
+    return Query(
+        "SELECT setval('" + seq + "', GREATEST(" + max + ", (SELECT last_value FROM " + seq + ")))",
+        rs);
   }
 
   // Jet's functions that the module's statements use, with Jet's meaning.

@@ -1,13 +1,13 @@
 #include "kvhost/db/sql_rewriter.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
-#include <atomic>
 #include <deque>
 #include <map>
+#include <memory>
 #include <optional>
 #include <unordered_map>
 
@@ -48,7 +48,7 @@ struct Token {
   bool is_date = false;  // a String that came from a #date# literal
   bool removed = false;
   std::string_view suffix;  // text written after the token (a LIMIT clause)
-  int literal = -1;     // index among the statement's literals
+  int literal = -1;         // index among the statement's literals
   // How a literal goes out (see Slot).
   bool lift = false;
   bool negative = false;
@@ -65,9 +65,6 @@ struct Literal {
 };
 
 namespace {
-
-
-
 
 char LowerChar(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -103,8 +100,20 @@ struct CaseInsensitiveEqual {
 inline bool Is(std::string_view t, char c) { return t.size() == 1 && t[0] == c; }
 inline bool IsPunct(unsigned char c) {
   switch (c) {
-    case '(': case ')': case ',': case '.': case '=': case '<': case '>': case '+': case '-':
-    case '*': case '/': case '%': case '&': case ';':
+    case '(':
+    case ')':
+    case ',':
+    case '.':
+    case '=':
+    case '<':
+    case '>':
+    case '+':
+    case '-':
+    case '*':
+    case '/':
+    case '%':
+    case '&':
+    case ';':
       return true;
     default:
       return false;
@@ -146,8 +155,6 @@ struct TokenList {
     tokens.back().is_date = is_date;
   }
 };
-
-
 
 // The statement's shape: its text with each literal replaced by a mark of its kind, and the
 // literals in order. The number of a `top n` is part of the shape, not a literal. Token
@@ -294,8 +301,8 @@ bool IsComparison(std::string_view p) {
 
 bool IsArithmetic(const Token& t) {
   return t.kind == Tok::Punct &&
-         (Is(t.text, '+') || Is(t.text, '-') || Is(t.text, '*') || Is(t.text, '/') || Is(t.text, '%') ||
-          Is(t.text, '&') || t.text == "||");
+         (Is(t.text, '+') || Is(t.text, '-') || Is(t.text, '*') || Is(t.text, '/') ||
+          Is(t.text, '%') || Is(t.text, '&') || t.text == "||");
 }
 
 std::string QuoteText(std::string_view value) {
@@ -343,7 +350,7 @@ bool MakeParam(const Literal& t, const Slot& slot, SqlParam& param, std::string&
     }
     param.text = trimmed;
     param.kind = trimmed.find_first_of(".eE") == std::string::npos ? SqlParam::Kind::Integer
-                                                                  : SqlParam::Kind::Real;
+                                                                   : SqlParam::Kind::Real;
   }
   return true;
 }
@@ -353,7 +360,7 @@ bool MakeParam(const Literal& t, const Slot& slot, SqlParam& param, std::string&
 ColumnTypeLookup SchemaColumnTypes() {
   // name -> type, or nullopt when the name has different types in different tables.
   auto types = std::make_shared<std::unordered_map<std::string, std::optional<ColType>,
-                                                    CaseInsensitiveHash, CaseInsensitiveEqual>>();
+                                                   CaseInsensitiveHash, CaseInsensitiveEqual>>();
   for (const TableDef& table : Tables()) {
     for (const ColumnDef& col : table.columns) {
       auto it = types->find(col.name);
@@ -380,7 +387,6 @@ SqlRewriter::SqlRewriter(Dialect dialect, ColumnTypeLookup column_types)
     : dialect_(dialect), column_types_(std::move(column_types)) {}
 
 bool SqlRewriter::BuildPlan(std::vector<Token>& toks, Plan& plan, std::string& error) const {
-
   // The non-blank tokens, by position in toks.
   std::vector<size_t> idx;
   idx.reserve(toks.size());
@@ -440,8 +446,8 @@ bool SqlRewriter::BuildPlan(std::vector<Token>& toks, Plan& plan, std::string& e
     Token& t = tok(k);
     if (t.kind == Tok::Punct && Is(t.text, '(')) {
       Scope s;
-      in_insert_columns = k >= 2 && word_is(k - 2, "into") && tok(k - 1).kind == Tok::Word &&
-                          scopes.size() == 1;
+      in_insert_columns =
+          k >= 2 && word_is(k - 2, "into") && tok(k - 1).kind == Tok::Word && scopes.size() == 1;
       if (in_insert_columns) insert_columns.clear();
       scopes.push_back(s);
       continue;
@@ -635,8 +641,8 @@ bool SqlRewriter::Rewrite(std::string_view sql, RewrittenSql& out, std::string& 
   return Apply(*it->second, literals, out, error);
 }
 
-bool SqlRewriter::Apply(const Plan& plan, const std::vector<Literal>& literals,
-                        RewrittenSql& out, std::string& error) const {
+bool SqlRewriter::Apply(const Plan& plan, const std::vector<Literal>& literals, RewrittenSql& out,
+                        std::string& error) const {
   out.is_select = plan.is_select;
   out.shape_id = plan.id;
   std::string& s = out.sql;

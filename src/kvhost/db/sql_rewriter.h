@@ -10,10 +10,10 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <unordered_map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "kvhost/db/schema.h"
@@ -36,8 +36,9 @@ struct RewrittenSql {
   std::string sql;  // with ? (SQLite) or $n (PostgreSQL) where a literal was lifted
   std::vector<SqlParam> params;
   bool is_select = false;  // the statement yields rows (SELECT)
-  // Statements of one shape rewritten by one rewriter share this number, unique in the process (never 0), so an
-  // engine can find its prepared statement without hashing the text; 0 for texts of our own.
+  // Statements of one shape rewritten by one rewriter share this number, unique in the process
+  // (never 0), so an engine can find its prepared statement without hashing the text; 0 for texts
+  // of our own.
   uint64_t shape_id = 0;
 };
 
@@ -67,8 +68,8 @@ class SqlRewriter {
  private:
   static constexpr size_t kMaxPlans = 1024;
   bool BuildPlan(std::vector<Token>& toks, Plan& plan, std::string& error) const;
-  bool Apply(const Plan& plan, const std::vector<Literal>& literals,
-             RewrittenSql& out, std::string& error) const;
+  bool Apply(const Plan& plan, const std::vector<Literal>& literals, RewrittenSql& out,
+             std::string& error) const;
 
   Dialect dialect_;
   ColumnTypeLookup column_types_;

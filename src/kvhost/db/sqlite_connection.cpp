@@ -117,7 +117,7 @@ SqliteConnection::~SqliteConnection() {
 }
 
 std::unique_ptr<SqliteConnection> SqliteConnection::Open(const std::string& path,
-                                                        std::string& error) {
+                                                         std::string& error) {
   auto conn = std::unique_ptr<SqliteConnection>(new SqliteConnection());
   const bool memory = path.empty() || path == ":memory:";
   const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
@@ -309,8 +309,7 @@ Status SqliteConnection::Flush() {
   return s;
 }
 
-Status SqliteConnection::NewId(const std::string& table, const std::string& column,
-                               int32_t& id) {
+Status SqliteConnection::NewId(const std::string& table, const std::string& column, int32_t& id) {
   // The counter row is raised by a block of keys in one statement; the keys are handed out
   // one by one. SQLite has one writer at a time, so the raise is atomic. A rollback undoes
   // the raise, so Rollback forgets the block: its keys may be drawn again by anyone.

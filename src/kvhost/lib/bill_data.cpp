@@ -22,8 +22,7 @@ std::string Where(const std::string& filter, const std::string& extra) {
 
 }  // namespace
 
-std::string BillData::NewID(const std::string& table, const std::string& key_column,
-                            int32_t& id) {
+std::string BillData::NewID(const std::string& table, const std::string& key_column, int32_t& id) {
   auto* keys = dynamic_cast<IKeySource*>(db_);
   if (!keys) return "NewID: no database with a key source";
   return keys->NewKey(table, key_column, id);
@@ -43,8 +42,7 @@ mrvk::Variant BillData::OpenOne(std::string& position, std::unique_ptr<mrvk::Rec
   if (!db_->Error().Description().empty()) return mrvk::Variant(db_->Error().Description());
   if (rs->Eof()) return mrvk::Variant::Null();
   const std::string found = rs->Fields(key).Value.ToString();
-  const std::string total =
-      mrvk::ScalarText(*db_, "select count(*)" + from + Where(filter, ""));
+  const std::string total = mrvk::ScalarText(*db_, "select count(*)" + from + Where(filter, ""));
   const std::string before =
       mrvk::ScalarText(*db_, "select count(*)" + from + Where(filter, key + "<=" + found));
   if (!db_->Error().Description().empty()) return mrvk::Variant(db_->Error().Description());
@@ -54,8 +52,8 @@ mrvk::Variant BillData::OpenOne(std::string& position, std::unique_ptr<mrvk::Rec
 
 mrvk::Variant BillData::Navigate(std::string& position, std::unique_ptr<mrvk::Recordset>& rs,
                                  const std::string& select_sql, const std::string& filter,
-                                 int direction, int32_t current_id,
-                                 const std::string& key_column, int) {
+                                 int direction, int32_t current_id, const std::string& key_column,
+                                 int) {
   const std::string key = Unqualified(key_column);
   const std::string id = std::to_string(current_id);
   switch (direction) {

@@ -10,14 +10,12 @@ class BillData : public mrvk::IHostBillData {
   void Database(mrvk::IHostDatabase* db) override { db_ = db; }
   // The key comes from the database's key source (IKeySource); a database without one, or
   // no database at all, gives a failure text.
-  std::string NewID(const std::string& table, const std::string& key_column,
-                    int32_t& id) override;
+  std::string NewID(const std::string& table, const std::string& key_column, int32_t& id) override;
   // The statement is read as a derived table, so the filter, find text and key name the
   // statement's output columns without table prefixes. position gets "n/total".
   mrvk::Variant Navigate(std::string& position, std::unique_ptr<mrvk::Recordset>& rs,
-                         const std::string& select_sql, const std::string& filter,
-                         int direction, int32_t current_id, const std::string& key_column,
-                         int flag) override;
+                         const std::string& select_sql, const std::string& filter, int direction,
+                         int32_t current_id, const std::string& key_column, int flag) override;
   mrvk::Variant Locate(std::string& position, std::unique_ptr<mrvk::Recordset>& rs,
                        const std::string& select_sql, const std::string& filter,
                        const std::string& find_text, const std::string& key_column) override;

@@ -11,8 +11,7 @@ class IKeySource {
  public:
   virtual ~IKeySource() = default;
   // A new unused key of table/column into id; "" on success, the failure text otherwise.
-  virtual std::string NewKey(const std::string& table, const std::string& column,
-                             int32_t& id) = 0;
+  virtual std::string NewKey(const std::string& table, const std::string& column, int32_t& id) = 0;
 };
 
 }  // namespace kvhost

@@ -38,9 +38,9 @@ std::string ReviseBillNumber(const std::string& number) {
 }
 
 bool RevisesOnSave(IHostDatabase& db, int32_t progID) {
-  const std::string text = ScalarText(
-      db, "SELECT text FROM xt_BillAttribute WHERE progID=" + std::to_string(progID) +
-              " and attribute='onsavecode' ");
+  const std::string text =
+      ScalarText(db, "SELECT text FROM xt_BillAttribute WHERE progID=" + std::to_string(progID) +
+                         " and attribute='onsavecode' ");
   return Val(text) == 1;
 }
 

@@ -40,7 +40,8 @@ std::optional<std::string> ConditionText(const Variant& conditions, int plane, b
     const std::string field = a.at({plane, row, 1}).ToString();
     const std::string trimmed_field = Trim(field);
     std::string open = "'", close = "'";
-    if (trimmed_field.size() >= 4 && trimmed_field.compare(trimmed_field.size() - 4, 4, "like") == 0) {
+    if (trimmed_field.size() >= 4 &&
+        trimmed_field.compare(trimmed_field.size() - 4, 4, "like") == 0) {
       open = " '%";
       close = "%' ";
     } else if (jet && a.UBound(3) >= 2 && a.UBound(1) >= 1 && a.at({1, row, 2}).ToDouble() == 7) {

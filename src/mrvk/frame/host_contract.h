@@ -153,9 +153,8 @@ class IHostBillData {
   // select_sql limited by filter, by ascending key_column. Returns Null when no record lies
   // there, "" on success, any other text is the failure. position gets "n/total".
   virtual Variant Navigate(std::string& position, std::unique_ptr<Recordset>& rs,
-                           const std::string& select_sql, const std::string& filter,
-                           int direction, int32_t current_id, const std::string& key_column,
-                           int flag) = 0;
+                           const std::string& select_sql, const std::string& filter, int direction,
+                           int32_t current_id, const std::string& key_column, int flag) = 0;
   // Opens the first record (by ascending key) that find_text selects; result as Navigate.
   virtual Variant Locate(std::string& position, std::unique_ptr<Recordset>& rs,
                          const std::string& select_sql, const std::string& filter,

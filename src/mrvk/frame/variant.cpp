@@ -73,12 +73,16 @@ int Date::day() const {
 std::string Date::ToText() const {
   int y, m, d;
   CivilFromDays(serial_ - kSerialOf1970, y, m, d);
-  char buf[10] = {static_cast<char>('0' + y / 1000 % 10), static_cast<char>('0' + y / 100 % 10),
-                  static_cast<char>('0' + y / 10 % 10),   static_cast<char>('0' + y % 10),
+  char buf[10] = {static_cast<char>('0' + y / 1000 % 10),
+                  static_cast<char>('0' + y / 100 % 10),
+                  static_cast<char>('0' + y / 10 % 10),
+                  static_cast<char>('0' + y % 10),
                   '-',
-                  static_cast<char>('0' + m / 10),         static_cast<char>('0' + m % 10),
+                  static_cast<char>('0' + m / 10),
+                  static_cast<char>('0' + m % 10),
                   '-',
-                  static_cast<char>('0' + d / 10),         static_cast<char>('0' + d % 10)};
+                  static_cast<char>('0' + d / 10),
+                  static_cast<char>('0' + d % 10)};
   return std::string(buf, sizeof buf);
 }
 

@@ -1,9 +1,9 @@
 #include "mrvk/frame/vb.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <algorithm>
 #include <cstring>
 
 namespace mrvk {
@@ -23,10 +23,14 @@ double Val(std::string_view text) {
     for (i = 2; i < s.size(); ++i) {
       const char c = s[i];
       int digit;
-      if (c >= '0' && c <= '9') digit = c - '0';
-      else if (base == 16 && c >= 'a' && c <= 'f') digit = c - 'a' + 10;
-      else if (base == 16 && c >= 'A' && c <= 'F') digit = c - 'A' + 10;
-      else break;
+      if (c >= '0' && c <= '9')
+        digit = c - '0';
+      else if (base == 16 && c >= 'a' && c <= 'f')
+        digit = c - 'a' + 10;
+      else if (base == 16 && c >= 'A' && c <= 'F')
+        digit = c - 'A' + 10;
+      else
+        break;
       if (digit >= base) break;
       v = v * base + digit;
       if (v > 0xFFFFFFFFLL) break;

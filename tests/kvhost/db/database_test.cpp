@@ -59,8 +59,19 @@ TEST_P(DatabaseTest, HostileTextIsSavedAndReadBackUnchanged) {
   std::string utf8_junk;
   for (int c = 1; c < 128; ++c) utf8_junk.push_back(static_cast<char>(c));
   const std::vector<std::string> texts = {
-      "O'Brien", "''", "'; drop table fwyz; --", "a\\b\\'c", "#2012-01-01#", "top 1",
-      "[业主]", "\"双引号\"", "%_*?", chinese, long_name, utf8_junk, "张'三' or '1'='1",
+      "O'Brien",
+      "''",
+      "'; drop table fwyz; --",
+      "a\\b\\'c",
+      "#2012-01-01#",
+      "top 1",
+      "[业主]",
+      "\"双引号\"",
+      "%_*?",
+      chinese,
+      long_name,
+      utf8_junk,
+      "张'三' or '1'='1",
   };
   int n = 0;
   for (const std::string& text : texts) {
@@ -71,7 +82,8 @@ TEST_P(DatabaseTest, HostileTextIsSavedAndReadBackUnchanged) {
     ASSERT_FALSE(rs->Eof());
     EXPECT_EQ(rs->Fields("业主名称").Value.ToString(), text);
     // Found again by the text itself, spliced through the quoting helper.
-    EXPECT_EQ(Scalar("select 业主ID from fwyz where 业主名称=" + SqlQuoted(text)), std::to_string(id))
+    EXPECT_EQ(Scalar("select 业主ID from fwyz where 业主名称=" + SqlQuoted(text)),
+              std::to_string(id))
         << text.substr(0, 40);
   }
   EXPECT_EQ(Scalar("select count(*) from fwyz"), std::to_string(texts.size()));
@@ -80,8 +92,9 @@ TEST_P(DatabaseTest, HostileTextIsSavedAndReadBackUnchanged) {
 TEST_P(DatabaseTest, RecordsetFieldsByNameWithoutRegardToCaseAndByIndex) {
   AddParty("A1", "甲");
   AddParty("A2", "乙", 1);
-  auto rs = db().CreateCommand("select 业主ID, 业主编号, 类型 as Kind from fwyz order by 业主编号", 1)
-                ->OpenRecordset();
+  auto rs =
+      db().CreateCommand("select 业主ID, 业主编号, 类型 as Kind from fwyz order by 业主编号", 1)
+          ->OpenRecordset();
   ASSERT_EQ(db().Error().Description(), "");
   EXPECT_FALSE(rs->Bof());
   EXPECT_EQ(rs->RecordCount(), 2);
@@ -104,9 +117,10 @@ TEST_P(DatabaseTest, RecordsetFieldsByNameWithoutRegardToCaseAndByIndex) {
 }
 
 TEST_P(DatabaseTest, ValuesReadBackTheSameOnBothEngines) {
-  Exec("insert into fwhdfs_sk (AutoID,合同ID,费用名称,是否包干,是否预收,收款期间,收款日期,起始日期,"
-       "结束日期,上期度数,是否最后一期,序号,是否已收) values (1,2,'房租',1,1,3,'2012-3-15',"
-       "'2012-03-15','2012-06-14',12.5,0,1,0)");
+  Exec(
+      "insert into fwhdfs_sk (AutoID,合同ID,费用名称,是否包干,是否预收,收款期间,收款日期,起始日期,"
+      "结束日期,上期度数,是否最后一期,序号,是否已收) values (1,2,'房租',1,1,3,'2012-3-15',"
+      "'2012-03-15','2012-06-14',12.5,0,1,0)");
   auto rs = db().CreateCommand("select * from fwhdfs_sk where AutoID=1", 1)->OpenRecordset();
   ASSERT_EQ(db().Error().Description(), "");
   ASSERT_FALSE(rs->Eof());
@@ -230,24 +244,28 @@ TEST_P(DatabaseTest, NavigateAndLocateWalkByAscendingKey) {
   std::unique_ptr<mrvk::Recordset> rs;
   std::string pos;
   const std::string sql = "select A.*, A.业主名称 as 名 from fwyz A";
-  EXPECT_EQ(bill.Navigate(pos, rs, sql, " 类型=0", mrvk::navigate::kFirst, 0, "A.业主ID", 1)
-                .ToString(),
-            "");
+  EXPECT_EQ(
+      bill.Navigate(pos, rs, sql, " 类型=0", mrvk::navigate::kFirst, 0, "A.业主ID", 1).ToString(),
+      "");
   EXPECT_EQ(rs->Fields("业主ID").Value.ToLong(), a);
   EXPECT_EQ(pos, "1/2");
-  EXPECT_EQ(bill.Navigate(pos, rs, sql, " 类型=0", mrvk::navigate::kNext, a, "业主ID", 1).ToString(), "");
+  EXPECT_EQ(
+      bill.Navigate(pos, rs, sql, " 类型=0", mrvk::navigate::kNext, a, "业主ID", 1).ToString(), "");
   EXPECT_EQ(rs->Fields("业主ID").Value.ToLong(), c);  // b is filtered out
   EXPECT_EQ(pos, "2/2");
-  EXPECT_TRUE(bill.Navigate(pos, rs, sql, " 类型=0", mrvk::navigate::kNext, c, "业主ID", 1).IsNull());
+  EXPECT_TRUE(
+      bill.Navigate(pos, rs, sql, " 类型=0", mrvk::navigate::kNext, c, "业主ID", 1).IsNull());
   EXPECT_EQ(bill.Navigate(pos, rs, sql, "", mrvk::navigate::kLast, 0, "业主ID", 1).ToString(), "");
   EXPECT_EQ(rs->Fields("业主ID").Value.ToLong(), c);
-  EXPECT_EQ(bill.Navigate(pos, rs, sql, "", mrvk::navigate::kPrevious, c, "业主ID", 1).ToString(), "");
+  EXPECT_EQ(bill.Navigate(pos, rs, sql, "", mrvk::navigate::kPrevious, c, "业主ID", 1).ToString(),
+            "");
   EXPECT_EQ(rs->Fields("业主ID").Value.ToLong(), b);
   EXPECT_EQ(bill.Locate(pos, rs, sql, "", " 名 like '%丙%'", "业主ID").ToString(), "");
   EXPECT_EQ(rs->Fields("业主编号").Value.ToString(), "N3");
   EXPECT_TRUE(bill.Locate(pos, rs, sql, "", " 名='无'", "业主ID").IsNull());
   // A broken statement is a failure text, neither Null nor "".
-  mrvk::Variant bad = bill.Navigate(pos, rs, sql, " nosuch=1", mrvk::navigate::kFirst, 0, "业主ID", 1);
+  mrvk::Variant bad =
+      bill.Navigate(pos, rs, sql, " nosuch=1", mrvk::navigate::kFirst, 0, "业主ID", 1);
   EXPECT_FALSE(bad.IsNull());
   EXPECT_NE(bad.ToString(), "");
 }

@@ -10,9 +10,9 @@ namespace {
 // A small schema of our own, so that these cases do not move with the real one.
 ColumnTypeLookup TestTypes() {
   static const std::map<std::string, ColType> types = {
-      {"合同id", ColType::Long},   {"合同编号", ColType::Text}, {"合同日期", ColType::Date},
-      {"金额", ColType::Double},   {"名称", ColType::Text},     {"编号", ColType::Text},
-      {"progid", ColType::Long},   {"是否已收", ColType::Flag},
+      {"合同id", ColType::Long}, {"合同编号", ColType::Text}, {"合同日期", ColType::Date},
+      {"金额", ColType::Double}, {"名称", ColType::Text},     {"编号", ColType::Text},
+      {"progid", ColType::Long}, {"是否已收", ColType::Flag},
   };
   return [](std::string_view name) -> std::optional<ColType> {
     std::string k(name);
@@ -47,10 +47,12 @@ TEST(SqlRewriter, TopBecomesALimitAtTheEndOfItsSelect) {
 
   // In a subquery the limit closes the subquery, not the statement.
   r = Rewrite(Dialect::Postgres,
-          "select * from fwhd where 合同ID in (select top 3 合同ID from fwhdmx order by 合同ID) and progid=870201");
+              "select * from fwhd where 合同ID in (select top 3 合同ID from fwhdmx order by "
+              "合同ID) and progid=870201");
   ASSERT_TRUE(r.ok) << r.error;
   EXPECT_EQ(r.sql,
-            "select * from fwhd where 合同ID in (select 合同ID from fwhdmx order by 合同ID LIMIT 3) and progid=$1");
+            "select * from fwhd where 合同ID in (select 合同ID from fwhdmx order by 合同ID LIMIT "
+            "3) and progid=$1");
 
   r = Rewrite(Dialect::Sqlite, "SELECT DISTINCT TOP 2 名称 FROM t");
   ASSERT_TRUE(r.ok) << r.error;
@@ -90,11 +92,10 @@ TEST(SqlRewriter, RefusesWhatItCannotRewriteFaithfully) {
 }
 
 TEST(SqlRewriter, DateLiteralsBecomeCheckedIsoTexts) {
-  auto r = Rewrite(Dialect::Postgres,
-               " and 合同日期>=#2012-3-1# and 合同日期<#04/01/2012#");
+  auto r = Rewrite(Dialect::Postgres, " and 合同日期>=#2012-3-1# and 合同日期<#04/01/2012#");
   // Not a statement on its own, but the rewriting is the same inside one.
   r = Rewrite(Dialect::Postgres,
-          "select 合同ID from fwhd where 合同日期>=#2012-3-1# and 合同日期<#04/01/2012#");
+              "select 合同ID from fwhd where 合同日期>=#2012-3-1# and 合同日期<#04/01/2012#");
   ASSERT_TRUE(r.ok) << r.error;
   EXPECT_EQ(r.sql, "select 合同ID from fwhd where 合同日期>=$1 and 合同日期<$2");
   EXPECT_EQ(r.params, (std::vector<std::string>{"2012-03-01", "2012-04-01"}));
@@ -113,13 +114,16 @@ TEST(SqlRewriter, TextsJoinedByPlusOrAmpersandUseTheConcatenationOperator) {
 
 TEST(SqlRewriter, LiftsComparedAndInsertedLiteralsAndLeavesOthers) {
   auto r = Rewrite(Dialect::Postgres,
-               "insert into fwhd (合同ID,合同编号,合同日期,金额,是否已收) values (12,'HT''01',#2012-10-11#,-3.5,'1')");
+                   "insert into fwhd (合同ID,合同编号,合同日期,金额,是否已收) values "
+                   "(12,'HT''01',#2012-10-11#,-3.5,'1')");
   ASSERT_TRUE(r.ok) << r.error;
-  EXPECT_EQ(r.sql, "insert into fwhd (合同ID,合同编号,合同日期,金额,是否已收) values ($1,$2,$3,$4,$5)");
+  EXPECT_EQ(r.sql,
+            "insert into fwhd (合同ID,合同编号,合同日期,金额,是否已收) values ($1,$2,$3,$4,$5)");
   EXPECT_EQ(r.params, (std::vector<std::string>{"12", "HT'01", "2012-10-11", "-3.5", "1"}));
 
   // Literals in the select list or in expressions keep their place: their type is the text's.
-  r = Rewrite(Dialect::Sqlite, "select 'x' as a, 0 as b from t where 金额 > 1 + 2 and 名称 like '%张%'");
+  r = Rewrite(Dialect::Sqlite,
+              "select 'x' as a, 0 as b from t where 金额 > 1 + 2 and 名称 like '%张%'");
   ASSERT_TRUE(r.ok) << r.error;
   EXPECT_EQ(r.sql, "select 'x' as a, 0 as b from t where 金额 > 1 + 2 and 名称 like ?");
   EXPECT_EQ(r.params, std::vector<std::string>{"%张%"});

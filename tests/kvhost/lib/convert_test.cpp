@@ -41,7 +41,8 @@ TEST(Convert, NumbersShowByTheNumberToTextRule) {
 TEST(Convert, DatesFromTextsAndBadTextsGiveTheNullDate) {
   Convert c;
   EXPECT_EQ(c.ToDate(Variant("2012-3-5"), "yyyy-mm-dd").ToText(), "2012-03-05");
-  EXPECT_EQ(c.ToDate(Variant(mrvk::Date::FromYmd(2012, 2, 29)), "yyyy-mm-dd").ToText(), "2012-02-29");
+  EXPECT_EQ(c.ToDate(Variant(mrvk::Date::FromYmd(2012, 2, 29)), "yyyy-mm-dd").ToText(),
+            "2012-02-29");
   EXPECT_EQ(c.ToDate(Variant("2012-02-30"), "yyyy-mm-dd").ToText(), "1900-01-01");
   EXPECT_EQ(c.ToDate(Variant(int64_t{5}), "yyyy-mm-dd").ToText(), "1900-01-01");
 }
@@ -68,7 +69,8 @@ TEST(BillData, DateTextAndAMissingDatabase) {
   EXPECT_EQ(id, 5);
   std::string pos;
   std::unique_ptr<mrvk::Recordset> rs;
-  Variant r = bill.Navigate(pos, rs, "select * from fwyz", "", mrvk::navigate::kFirst, 0, "业主ID", 1);
+  Variant r =
+      bill.Navigate(pos, rs, "select * from fwyz", "", mrvk::navigate::kFirst, 0, "业主ID", 1);
   EXPECT_FALSE(r.IsNull());
   EXPECT_NE(r.ToString(), "");
 }

@@ -13,10 +13,9 @@ TEST(Val, ReadsTheLeadingNumberLikeVb) {
     const char* text;
     double want;
   } cases[] = {
-      {"12.5", 12.5},     {"  3 4 5", 345},   {"-7abc", -7},   {"abc", 0},
-      {"", 0},            {"1e3", 1000},      {"2D2", 200},    {"1.2.3", 1.2},
-      {"&HFF", 255},      {"&O17", 15},       {".5", 0.5},     {"+8", 8},
-      {"1e", 1},          {"- 4", -4},        {"12,000", 12},  {"0x10", 0},
+      {"12.5", 12.5}, {"  3 4 5", 345}, {"-7abc", -7},  {"abc", 0},   {"", 0},     {"1e3", 1000},
+      {"2D2", 200},   {"1.2.3", 1.2},   {"&HFF", 255},  {"&O17", 15}, {".5", 0.5}, {"+8", 8},
+      {"1e", 1},      {"- 4", -4},      {"12,000", 12}, {"0x10", 0},
   };
   for (const auto& c : cases) EXPECT_DOUBLE_EQ(Val(c.text), c.want) << '"' << c.text << '"';
 }
@@ -26,10 +25,18 @@ TEST(NumberText, WritesNumbersAsVbDoes) {
     double value;
     const char* want;
   } cases[] = {
-      {0, "0"},          {12.5, "12.5"},           {-3, "-3"},          {0.5, "0.5"},
-      {1.0 / 3, "0.333333333333333"},               {100, "100"},        {1234567.89, "1234567.89"},
-      {1e15, "1E+15"},   {0.00001, "1E-05"},       {123456789012345, "123456789012345"},
-      {2.675, "2.675"},  {-0.25, "-0.25"},
+      {0, "0"},
+      {12.5, "12.5"},
+      {-3, "-3"},
+      {0.5, "0.5"},
+      {1.0 / 3, "0.333333333333333"},
+      {100, "100"},
+      {1234567.89, "1234567.89"},
+      {1e15, "1E+15"},
+      {0.00001, "1E-05"},
+      {123456789012345, "123456789012345"},
+      {2.675, "2.675"},
+      {-0.25, "-0.25"},
   };
   for (const auto& c : cases) EXPECT_EQ(NumberText(c.value), c.want) << c.value;
 }
@@ -109,9 +116,15 @@ TEST(ReviseBillNumber, RaisesTheRevisionBehindTheLastDash) {
     const char* number;
     const char* want;
   } cases[] = {
-      {"HT2012", "HT2012-1"}, {"HT2012-3", "HT2012-4"}, {"HT2012-12", "HT2012-13"},
-      {"A-B-3", "A-B-4"},     {"A-", "A-1"},            {"A-x", "A-1"},
-      {"-", "-1"},            {"", "-1"},               {"X-9.5", "X-10.5"},
+      {"HT2012", "HT2012-1"},
+      {"HT2012-3", "HT2012-4"},
+      {"HT2012-12", "HT2012-13"},
+      {"A-B-3", "A-B-4"},
+      {"A-", "A-1"},
+      {"A-x", "A-1"},
+      {"-", "-1"},
+      {"", "-1"},
+      {"X-9.5", "X-10.5"},
   };
   for (const auto& c : cases) EXPECT_EQ(ReviseBillNumber(c.number), c.want) << c.number;
 }
@@ -120,10 +133,13 @@ TEST(ReviseBillNumber, RaisesTheRevisionBehindTheLastDash) {
 Variant Conditions(std::vector<std::vector<std::vector<Variant>>> planes) {
   const int rows = static_cast<int>(planes[0].size());
   const int cols = static_cast<int>(planes[0][0].size());
-  auto a = std::make_shared<VariantArray>(std::vector<int>{static_cast<int>(planes.size()), rows, cols});
+  auto a =
+      std::make_shared<VariantArray>(std::vector<int>{static_cast<int>(planes.size()), rows, cols});
   for (int p = 0; p < static_cast<int>(planes.size()); ++p)
     for (int r = 0; r < rows; ++r)
-      for (int c = 0; c < cols; ++c) a->at({p, r, c}) = planes[static_cast<size_t>(p)][static_cast<size_t>(r)][static_cast<size_t>(c)];
+      for (int c = 0; c < cols; ++c)
+        a->at({p, r, c}) =
+            planes[static_cast<size_t>(p)][static_cast<size_t>(r)][static_cast<size_t>(c)];
   return Variant(a);
 }
 
