@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the project needs when any is missing.
 set -euo pipefail
-packages=(build-essential cmake pkg-config ccache libsqlite3-dev libpq-dev postgresql
+packages=(build-essential cmake pkg-config ccache clang-format libsqlite3-dev libpq-dev postgresql
           nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev)
 missing=()
 for p in "${packages[@]}"; do
