@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 build=${MRVK_BUILD_DIR:-build}
 jobs=$(nproc 2>/dev/null || echo 2)
 
-cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMRVK_BUILD_TESTS=ON >/dev/null
 cmake --build "$build" -j "$jobs"
 
 cluster=""

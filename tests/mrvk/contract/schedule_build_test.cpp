@@ -81,14 +81,6 @@ class BuildScheduleTest : public kvtest::EngineTest {
   void SetUp() override {
     EngineTest::SetUp();
     if (IsSkipped() || HasFatalFailure()) return;
-    // fwhdfs comes with the contract sheets' tables; where the schema does not have it yet,
-    // the columns the schedule reads are made here.
-    ASSERT_TRUE(db().connection()
-                    .ExecuteRaw("CREATE TABLE IF NOT EXISTS fwhdfs (合同明细ID integer, "
-                                "合同ID integer, 费用名称 text, 是否预收 smallint, 是否包干 "
-                                "smallint, 收款期间 double precision, 度数 double precision, "
-                                "序号 integer)")
-                    .ok());
     bill_.Database(&db());
   }
 
