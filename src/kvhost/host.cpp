@@ -40,6 +40,10 @@ class CallScope : public mrvk::IUiPort {
     conn_.Flush();
     return port_->InputBox(prompt, title, default_text);
   }
+  void ShowModal(mrvk::IModalForm& form) override {
+    conn_.Flush();
+    port_->ShowModal(form);
+  }
 
  private:
   mrvk::IUiPort* port_;
@@ -65,6 +69,19 @@ std::optional<std::string> ScriptedUi::InputBox(const std::string& prompt, const
   auto a = inputs.front();
   inputs.pop_front();
   return a;
+}
+
+void ScriptedUi::ShowModal(mrvk::IModalForm& form) {
+  shown.push_back({"dialog", form.Title(), 0, form.Title()});
+  auto* dialog = dynamic_cast<Dialog*>(&form);
+  if (!dialog || dialogs.empty()) throw UnscriptedBox("unscripted dialog: " + form.Title());
+  auto script = std::move(dialogs.front());
+  dialogs.pop_front();
+  script(*dialog);
+  if (dialog->IsShown()) {
+    dialog->Hide();
+    throw UnscriptedBox("dialog left open by its script: " + form.Title());
+  }
 }
 
 Host::Host(HostConfig config) : config_(std::move(config)), status_(Status::Ok()) {
@@ -310,6 +327,29 @@ const std::map<std::string, ReportOp>& ReportOps() {
 }
 
 }  // namespace
+
+Status Host::gesture(Screen& screen, const std::string& name, int index, const Gesture& g) {
+  const std::string owner = "screen " + std::to_string(screen.id) + " (" + screen.class_name + ")";
+  mrvk::IDesignUI* design = screen.design();
+  if (!design) return Status::Error(owner + " has no controls");
+  return gesture(design->Controls(), owner, name, index, g);
+}
+
+Status Host::gesture(ControlList& controls, const std::string& owner, const std::string& name,
+                     int index, const Gesture& g) {
+  Control* c = controls.Find(name, index);
+  if (!c)
+    return Status::Error(owner + " has no control \"" + name +
+                         (index >= 0 ? "(" + std::to_string(index) + ")" : std::string()) + "\"");
+  std::string refused;
+  Status st = guarded(owner + "." + c->DisplayName() + "." + g.kind, [&] {
+    refused = c->Apply(g);
+    if (refused.empty()) controls.SetFocus(c);
+  });
+  if (!st.ok()) return st;
+  if (!refused.empty()) return Status::Error(refused);
+  return Status::Ok();
+}
 
 Status Host::invoke(Screen& screen, const std::string& method, const Args& args,
                     mrvk::Variant& result) {

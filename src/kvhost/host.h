@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "kvhost/db/database.h"
+#include "kvhost/lib/dialog.h"
 #include "kvhost/status.h"
 #include "mrvk/frame/host_contract.h"
 #include "mrvk/frame/vb.h"
@@ -27,7 +29,7 @@ struct HostConfig {
 
 // A modal box the module showed.
 struct ShownBox {
-  std::string kind;  // "msgbox" or "inputbox"
+  std::string kind;  // "msgbox", "inputbox" or "dialog" (prompt and title: its caption)
   std::string prompt;
   int flags = 0;
   std::string title;
@@ -46,10 +48,14 @@ class ScriptedUi : public mrvk::IUiPort {
   std::deque<int> answers;                        // message box answers, in order
   std::deque<std::optional<std::string>> inputs;  // input box answers; nullopt = cancel
   std::vector<ShownBox> shown;                    // every box shown, in order
+  // What the person does on each dialog shown, in order: gestures through Apply on the
+  // dialog's controls. A dialog still shown when its script ends is an unscripted box.
+  std::deque<std::function<void(Dialog&)>> dialogs;
 
   int MsgBox(const std::string& prompt, int flags, const std::string& title) override;
   std::optional<std::string> InputBox(const std::string& prompt, const std::string& title,
                                       const std::string& default_text) override;
+  void ShowModal(mrvk::IModalForm& form) override;
 };
 
 // One open screen: an object of the module created by class name.
@@ -110,6 +116,14 @@ class Host {
 
   // Runs fn as a call into the module: the UI port is set for the thread, and a run-time
   // failure that escapes the module becomes an error status.
+  // A person's gesture on control `name`(index) of a screen (index -1 outside an array), as
+  // a call into the module. An error status when the screen has no such control, the control
+  // refuses the gesture (nothing changed then), or a run-time failure escapes.
+  Status gesture(Screen& screen, const std::string& name, int index, const Gesture& g);
+  // The same on the controls of a dialog; `owner` names it in messages.
+  Status gesture(ControlList& controls, const std::string& owner, const std::string& name,
+                 int index, const Gesture& g);
+
   template <typename Fn>
   Status guarded(const std::string& what, Fn&& fn);
 

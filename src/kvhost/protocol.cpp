@@ -8,6 +8,8 @@
 
 #include "kvhost/db/database.h"
 #include "kvhost/host.h"
+#include "kvhost/lib/control_list.h"
+#include "kvhost/lib/dialog.h"
 
 namespace kvhost {
 
@@ -135,6 +137,12 @@ namespace {
 
 json Fail(const std::string& error) { return {{"ok", false}, {"error", error}}; }
 
+// True when the request names the dialog that is shown ("dialog": true).
+bool ForDialog(const json& req) {
+  auto it = req.find("dialog");
+  return it != req.end() && it->is_boolean() && it->get<bool>();
+}
+
 json EventsToJson(const std::vector<HostEvent>& events) {
   json out = json::array();
   for (const HostEvent& e : events) {
@@ -193,10 +201,17 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
     std::string error;
     if (!Field(req, "op", op, error)) return Fail(error);
     {
-      std::lock_guard lock(mu_);
+      std::unique_lock lock(mu_);
+      if (pending_ && pending_->kind == "dialog" && (op == "gesture" || op == "state") &&
+          ForDialog(req))
+        return RunInDialog(lock, req, op);
       if (pending_ && op != "answer")
-        return Fail("a " + pending_->kind + " is waiting for an answer: send {\"op\":\"answer\"}");
+        return Fail("a " + pending_->kind + " is waiting for an answer: send {\"op\":\"answer\"}" +
+                    (pending_->kind == "dialog"
+                         ? ", or gestures and state requests with \"dialog\":true"
+                         : ""));
     }
+    if (ForDialog(req)) return Fail("no dialog is shown");
     if (op == "answer") return Answer(req);
     if (op == "session") return RunOnWorker([&] { return Session(req); });
     if (!host_) return Fail("no session: send {\"op\":\"session\",...} first");
@@ -220,6 +235,55 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
     auto v = WaitForAnswer({"inputbox", prompt, 0, title, default_text});
     if (v.IsNull() || v.IsEmpty()) return std::nullopt;  // cancelled
     return v.ToString();
+  }
+
+  // IUiPort, on the worker thread: while the dialog is shown, the caller's gestures and state
+  // requests for it run here, one at a time; an answer closes the dialog's window.
+  void ShowModal(mrvk::IModalForm& form) override {
+    auto* dialog = dynamic_cast<Dialog*>(&form);
+    if (!dialog) throw std::runtime_error("the screen protocol cannot show " + form.Title());
+    dialogs_.push_back(dialog);
+    struct PopOnExit {
+      std::vector<Dialog*>& stack;
+      ~PopOnExit() { stack.pop_back(); }
+    } pop{dialogs_};
+    while (dialog->IsShown()) {
+      std::function<json()> task;
+      {
+        std::unique_lock lock(mu_);
+        auto events = host_ ? host_->take_events() : std::vector<HostEvent>{};
+        pending_events_.insert(pending_events_.end(), events.begin(), events.end());
+        pending_ = Pending{"dialog", "", 0, dialog->Caption, ""};
+        ++pending_seq_;
+        cv_.notify_all();
+        cv_.wait(lock,
+                 [&] { return dialog_task_.has_value() || answer_.has_value() || stopping_; });
+        if (stopping_) throw Aborted();
+        pending_.reset();
+        if (answer_) {
+          answer_.reset();
+          task = [dialog] {
+            dialog->Close();
+            return json{{"ok", true}, {"result", nullptr}};
+          };
+        } else {
+          task = std::move(*dialog_task_);
+          dialog_task_.reset();
+        }
+      }
+      json outcome;
+      try {
+        outcome = task();
+      } catch (const Aborted&) {
+        throw;
+      } catch (const std::exception& e) {
+        outcome = Fail(e.what());
+      }
+      std::lock_guard lock(mu_);
+      dialog_outcome_ = std::move(outcome);
+    }
+    std::lock_guard lock(mu_);
+    dialog_outcome_.reset();
   }
 
  private:
@@ -291,7 +355,19 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
               {"flags", pending_->flags},
               {"title", pending_->title}};
     if (pending_->kind == "inputbox") p["default"] = pending_->default_text;
-    json answer = {{"ok", true}, {"pending", p}, {"events", EventsToJson(pending_events_)}};
+    json answer = {{"ok", true}};
+    if (pending_->kind == "dialog") {
+      // The dialog's own state, and what the last request on it gave.
+      json dialog = json::object();
+      dialogs_.back()->WriteState(dialog);
+      p["dialog"] = std::move(dialog);
+      if (dialog_outcome_) {
+        answer = std::move(*dialog_outcome_);
+        dialog_outcome_.reset();
+      }
+    }
+    answer["pending"] = std::move(p);
+    answer["events"] = EventsToJson(pending_events_);
     pending_events_.clear();
     return answer;
   }
@@ -386,13 +462,25 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
     return Done(VariantToJson(result));
   }
 
+  // Reads the gesture of a request; false with the reason when it is malformed.
+  static bool ReadGesture(const json& req, std::string& control, int& index, kvhost::Gesture& g,
+                          std::string& error) {
+    index = -1;
+    return Field(req, "control", control, error) && Field(req, "index", index, error, false) &&
+           Field(req, "gesture", g.kind, error) && Field(req, "text", g.text, error, false) &&
+           Field(req, "row", g.row, error, false) && Field(req, "col", g.col, error, false) &&
+           Field(req, "key", g.key, error, false);
+  }
+
   json Gesture(const json& req) {
-    std::string control, gesture, error;
+    std::string control, error;
+    int index = -1;
+    kvhost::Gesture g;
     Screen* s = FindScreen(req, error);
-    if (!s || !Field(req, "control", control, error) || !Field(req, "gesture", gesture, error))
-      return Fail(error);
-    return Fail("screen " + std::to_string(s->id) + " (" + s->class_name + ") has no control \"" +
-                control + "\"");
+    if (!s || !ReadGesture(req, control, index, g, error)) return Fail(error);
+    Status st = host_->gesture(*s, control, index, g);
+    if (!st.ok()) return Failed(st.message());
+    return Done(true);
   }
 
   json State(const json& req) {
@@ -403,6 +491,8 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
                   {"class", s->class_name},
                   {"progID", s->progID},
                   {"controls", json::array()}};
+    if (mrvk::IDesignUI* design = s->design())
+      state["controls"] = ControlsState(design->Controls());
     if (auto* form = s->form()) {
       bool dirty = false;
       int32_t id = 0;
@@ -415,6 +505,29 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
       state["GetID"] = id;
     }
     return Done(state);
+  }
+
+  // A gesture or state request for the dialog that is shown: runs on the class's thread
+  // inside the dialog's modal loop. Called with mu_ held.
+  json RunInDialog(std::unique_lock<std::mutex>& lock, const json& req, const std::string& op) {
+    Dialog* dialog = dialogs_.back();
+    dialog_task_ = [this, dialog, req, op]() -> json {
+      if (op == "state") {
+        json state = json::object();
+        dialog->WriteState(state);
+        return {{"ok", true}, {"result", std::move(state)}};
+      }
+      std::string control, error;
+      int index = -1;
+      kvhost::Gesture g;
+      if (!ReadGesture(req, control, index, g, error)) return Fail(error);
+      Status st = host_->gesture(dialog->Controls(), "dialog " + dialog->Name(), control, index, g);
+      if (!st.ok()) return Fail(st.message());
+      return {{"ok", true}, {"result", true}};
+    };
+    const uint64_t seq = pending_seq_;
+    cv_.notify_all();
+    return WaitForOutcome(lock, seq);
   }
 
   json Sql(const json& req) {
@@ -468,6 +581,10 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
   uint64_t pending_seq_ = 0;
   std::vector<HostEvent> pending_events_;
   std::optional<mrvk::Variant> answer_;
+  // The dialogs shown, innermost last; only the worker changes it.
+  std::vector<Dialog*> dialogs_;
+  std::optional<std::function<json()>> dialog_task_;
+  std::optional<json> dialog_outcome_;
   bool stopping_ = false;
   std::unique_ptr<Host> host_;
   std::thread worker_;

@@ -41,6 +41,33 @@ TEST_P(HostTest, ScriptedAnswersDriveTheModulesBoxes) {
   EXPECT_FALSE(host().close(s->id).ok());
 }
 
+TEST_P(HostTest, ScriptedDialogsAreWorkedThroughGestures) {
+  Screen* s = host().open("ProbeSheet", 870004, 0);
+  ASSERT_TRUE(s) << host().last_error();
+  // The script types a name and presses save; the dialog's empty-name box comes first.
+  host().ui().answers.push_back(mrvk::msgbox::kOk);
+  host().ui().dialogs.push_back([&](Dialog& d) {
+    EXPECT_EQ(d.Caption, "业主");
+    EXPECT_TRUE(host().gesture(d.Controls(), "dialog", "Cmd", 0, {"click"}).ok());
+    EXPECT_TRUE(d.IsShown());
+    EXPECT_TRUE(host().gesture(d.Controls(), "dialog", "kvTxt", 0, {"type", "钱七"}).ok());
+    EXPECT_TRUE(host().gesture(d.Controls(), "dialog", "Cmd", 0, {"click"}).ok());
+  });
+  ASSERT_TRUE(host().gesture(*s, "Cmd", -1, {"click"}).ok());
+  EXPECT_EQ(Scalar("select 业主名称 from fwyz"), "钱七");
+  ASSERT_EQ(host().ui().shown.size(), 2u);
+  EXPECT_EQ(host().ui().shown[0].kind, "dialog");
+  EXPECT_EQ(host().ui().shown[1].prompt, "姓名不能为空！");
+
+  // A dialog the script leaves open, or one nobody scripted, is an error answer.
+  host().ui().dialogs.push_back([](Dialog&) {});
+  Status st = host().gesture(*s, "Cmd", -1, {"click"});
+  EXPECT_NE(st.message().find("dialog left open by its script: 业主"), std::string::npos);
+  st = host().gesture(*s, "Cmd", -1, {"click"});
+  EXPECT_NE(st.message().find("unscripted dialog: 业主"), std::string::npos);
+  EXPECT_EQ(Scalar("select count(*) from fwyz"), "1");
+}
+
 TEST_P(HostTest, EveryDocumentedClassIsKnownAndUnbuiltOnesSaySo) {
   for (const mrvk::ClassInfo& c : mrvk::ClassTable()) {
     std::string error;

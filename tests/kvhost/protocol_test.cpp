@@ -167,8 +167,14 @@ TEST_P(ProtocolTest, BadRequestsGetAClearErrorAndChangeNothing) {
       {R"({"op":"call","screen":)" + std::to_string(s) + R"(,"method":"Check"})",
        "Division by zero"},
       {R"({"op":"gesture","screen":)" + std::to_string(s) +
-           R"(,"control":"kvTxt","index":2,"gesture":"type","text":"A"})",
+           R"(,"control":"kvTxt","index":7,"gesture":"type","text":"A"})",
        "no control"},
+      {R"({"op":"gesture","screen":)" + std::to_string(s) +
+           R"(,"control":"kvTxt","index":"2","gesture":"type"})",
+       "wrong type"},
+      {R"({"op":"gesture","screen":)" + std::to_string(s) + R"(,"control":"Chk"})",
+       "missing field \"gesture\""},
+      {R"({"op":"gesture","dialog":true,"control":"Cmd","gesture":"click"})", "no dialog"},
       {R"({"op":"sql"})", "missing field \"query\""},
       {R"({"op":"sql","query":"select nosuch from fwyz"})", "nosuch"},
       {R"({"op":"close","screen":-1})", "no open screen"},
@@ -202,6 +208,8 @@ TEST_P(ProtocolTest, RandomRequestsNeverCrashOrChangeTheDatabase) {
                                         "sql",     "close", "tool", "",        "x"};
   const std::vector<std::string> methods = {"FileNew", "FileEdit",   "Refresh", "Find", "GetID",
                                             "IsDirty", "Attributes", "Nope",    ""};
+  const std::vector<std::string> controls = {"kvTxt", "Chk", "Cmd", "Nope", ""};
+  const std::vector<std::string> gestures = {"type", "leave", "pick", "click", "toggle", "x"};
   auto random_value = [&](int depth, auto& self) -> json {
     switch (rng() % (depth > 2 ? 5 : 7)) {
       case 0:
@@ -238,9 +246,20 @@ TEST_P(ProtocolTest, RandomRequestsNeverCrashOrChangeTheDatabase) {
     if (rng() % 3 == 0) req["class"] = random_value(0, random_value);
     if (rng() % 3 == 0) req["value"] = random_value(0, random_value);
     if (rng() % 3 == 0) req["query"] = random_value(0, random_value);
+    if (rng() % 2) {
+      req["control"] = controls[rng() % controls.size()];
+      req["index"] = static_cast<int>(rng() % 5) - 1;
+      req["gesture"] = gestures[rng() % gestures.size()];
+      req["text"] = random_value(0, random_value);
+      // Gestures on the dialog may type and close but never press its save button.
+      if (rng() % 2 && req["gesture"] != "click") req["dialog"] = true;
+    }
     json a = Send(req);
     ASSERT_TRUE(a.is_object() && a.contains("ok")) << req.dump();
-    if (a.contains("pending")) Send({{"op", "answer"}, {"value", nullptr}});
+    // Boxes are cancelled (a message box by its cancel button), dialogs closed.
+    for (int n = 0; a.contains("pending") && n < 5; ++n)
+      a = Send({{"op", "answer"}, {"value", a["pending"]["kind"] == "msgbox" ? json(2) : json()}});
+    ASSERT_FALSE(a.contains("pending")) << a.dump();
     if (!a["ok"].get<bool>()) {
       EXPECT_FALSE(a["error"].get<std::string>().empty()) << req.dump();
     }
@@ -251,6 +270,112 @@ TEST_P(ProtocolTest, RandomRequestsNeverCrashOrChangeTheDatabase) {
   EXPECT_EQ(Count(), before);
   a = Send({{"op", "sql"}, {"query", "select count(*) from xt_menu"}});
   EXPECT_GT(a["result"]["rows"][0][0].get<int>(), 30);
+}
+
+json Gesture(int screen, const std::string& control, int index, const std::string& gesture,
+             const std::string& text = "") {
+  json g = {{"op", "gesture"}, {"screen", screen}, {"control", control}, {"gesture", gesture}};
+  if (index >= 0) g["index"] = index;
+  if (!text.empty()) g["text"] = text;
+  return g;
+}
+
+// The state of control `name`(index) in a screen's or dialog's control list.
+json ControlState(const json& controls, const std::string& name, int index = -1) {
+  for (const json& c : controls) {
+    if (c["name"] == name && c.value("index", -1) == index) return c;
+  }
+  return json();
+}
+
+TEST_P(ProtocolTest, GesturesChangeWhatTheScreenShowsAndRefusalsChangeNothing) {
+  const int s = OpenProbe();
+  json a = Send(Gesture(s, "kvTxt", 0, "type", "A'01"));
+  ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
+  Send(Gesture(s, "kvTxt", 1, "type", "2012-1-5"));
+  Send(Gesture(s, "kvTxt", 1, "leave"));
+  a = Send(Gesture(s, "kvTxt", 2, "pick", "按面积"));
+  ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
+  Send(Gesture(s, "Chk", -1, "toggle"));
+
+  // A locked field, an entry not in the list, a gesture a control does not take, and a
+  // control the screen does not have: each a clear error.
+  json refusals[] = {
+      Send(Gesture(s, "kvTxt", 3, "type", "X")), Send(Gesture(s, "kvTxt", 2, "pick", "按天")),
+      Send(Gesture(s, "Chk", -1, "cell_edit")), Send(Gesture(s, "kvTxt", 9, "type", "X"))};
+  const char* reasons[] = {"kvTxt(3) is locked", "is not an entry of kvTxt(2)",
+                           "has no gesture \"cell_edit\"", "has no control \"kvTxt(9)\""};
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_FALSE(refusals[i]["ok"].get<bool>());
+    EXPECT_NE(refusals[i]["error"].get<std::string>().find(reasons[i]), std::string::npos)
+        << refusals[i].dump();
+  }
+
+  a = Send({{"op", "state"}, {"screen", s}});
+  ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
+  const json& controls = a["result"]["controls"];
+  EXPECT_EQ(ControlState(controls, "kvTxt", 0)["text"], "A'01");
+  EXPECT_EQ(ControlState(controls, "kvTxt", 1)["text"], "2012-01-05");  // reformatted on leave
+  EXPECT_EQ(ControlState(controls, "kvTxt", 1)["kind"], "date");
+  EXPECT_EQ(ControlState(controls, "kvTxt", 2)["text"], "按面积");
+  EXPECT_EQ(ControlState(controls, "kvTxt", 2)["list"],
+            json::array({"", "按户", "按面积", "按用量"}));
+  EXPECT_EQ(ControlState(controls, "kvTxt", 3)["text"], "");
+  EXPECT_EQ(ControlState(controls, "kvTxt", 3)["locked"], true);
+  EXPECT_EQ(ControlState(controls, "Chk")["value"], 1);
+  EXPECT_EQ(ControlState(controls, "Chk")["focus"], true);  // the last control worked, not refused
+  EXPECT_EQ(a["result"]["IsDirty"], true);
+}
+
+TEST_P(ProtocolTest, AnEntryDialogIsWorkedOnUntilItCloses) {
+  const int s = OpenProbe();
+  json a = Send(Gesture(s, "Cmd", -1, "click"));
+  ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
+  ASSERT_EQ(a["pending"]["kind"], "dialog") << a.dump();
+  EXPECT_EQ(a["pending"]["title"], "业主");
+  EXPECT_EQ(ControlState(a["pending"]["dialog"]["controls"], "Cmd", 0)["caption"], "保存(&S)");
+
+  // While the dialog is shown, the screen behind it takes nothing.
+  json refused = Send(Gesture(s, "kvTxt", 0, "type", "X"));
+  EXPECT_FALSE(refused["ok"].get<bool>());
+  EXPECT_NE(refused["error"].get<std::string>().find("dialog"), std::string::npos);
+
+  // Saving without a name: the dialog's own message box, then the dialog again.
+  json save = Gesture(s, "Cmd", 0, "click");
+  save["dialog"] = true;
+  a = Send(save);
+  ASSERT_EQ(a["pending"]["kind"], "msgbox") << a.dump();
+  EXPECT_EQ(a["pending"]["prompt"], "姓名不能为空！");
+  a = Send({{"op", "answer"}, {"value", 1}});
+  ASSERT_EQ(a["pending"]["kind"], "dialog") << a.dump();
+
+  json type = Gesture(s, "kvTxt", 0, "type", "赵'六");
+  type["dialog"] = true;
+  a = Send(type);
+  ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
+  EXPECT_EQ(ControlState(a["pending"]["dialog"]["controls"], "kvTxt", 0)["text"], "赵'六");
+  json locked = Gesture(s, "kvTxt", 5, "type", "x");
+  locked["dialog"] = true;
+  a = Send(locked);
+  EXPECT_FALSE(a["ok"].get<bool>());
+  EXPECT_EQ(a["pending"]["kind"], "dialog");  // still shown after a refused gesture
+
+  a = Send(save);
+  ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
+  EXPECT_FALSE(a.contains("pending"));
+  ASSERT_EQ(a["events"].size(), 1u) << a.dump();
+  EXPECT_EQ(a["events"][0]["args"][0], "保存成功！");
+  a = Send({{"op", "sql"}, {"query", "select 业主名称 from fwyz"}});
+  EXPECT_EQ(a["result"]["rows"], json::array({json::array({"赵'六"})}));
+
+  // Closing the dialog's window saves nothing.
+  a = Send(Gesture(s, "Cmd", -1, "click"));
+  ASSERT_EQ(a["pending"]["kind"], "dialog");
+  a = Send({{"op", "answer"}, {"value", nullptr}});
+  EXPECT_TRUE(a["ok"].get<bool>());
+  EXPECT_FALSE(a.contains("pending"));
+  EXPECT_EQ(Count(), "1");
+  EXPECT_FALSE(Send({{"op", "state"}, {"dialog", true}})["ok"].get<bool>());
 }
 
 MRVK_ON_BOTH_ENGINES(ProtocolTest);

@@ -1,5 +1,8 @@
 #include "support/probe_sheet.h"
 
+#include "kvhost/lib/dialog.h"
+#include "kvhost/lib/kv_txt.h"
+#include "kvhost/lib/simple_controls.h"
 #include "mrvk/frame/data_access.h"
 #include "mrvk/frame/vb.h"
 #include "mrvk/registry.h"
@@ -11,7 +14,37 @@ using mrvk::Variant;
 
 class ProbeSheet : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk::IDesignUI {
  public:
+  // The screen: a code field, a date field, a closed list, a locked field, a check box and a
+  // button that opens an entry dialog which saves a party.
+  ProbeSheet() {
+    kvTxt.Add(controls_, 0).Caption = "    编号";
+    kvTxt.Add(controls_, 1).Caption = "登记日期";
+    kvTxt[1].Kind = kvhost::FieldKind::Date;
+    kvTxt.Add(controls_, 2).Caption = "计费方式";
+    kvTxt[2].Config.ListText = "|按户|按面积|按用量";
+    kvTxt.Add(controls_, 3).Caption = "制单人";
+    kvTxt[3].Locked = true;
+    for (auto& [i, field] : kvTxt) field->Change = [this] { dirty_ = true; };
+    controls_.Add(Chk);
+    Chk.Caption = "引用数据(&H)";
+    controls_.Add(Cmd);
+    Cmd.Caption = "新增(&N)";
+    Cmd.Click = [this] { Cmd_Click(); };
+
+    dlgTxt.Add(dialog_.Controls(), 0).Caption = "姓名";
+    dlgCmd.Add(dialog_.Controls(), 0).Caption = "保存(&S)";
+    dlgCmd.Add(dialog_.Controls(), 1).Caption = "关闭(&X)";
+    dialog_.Caption = "业主";
+    dlgCmd[0].Click = [this] { DialogSave(); };
+    dlgCmd[1].Click = [this] { dialog_.Hide(); };
+  }
+
   std::string ClassName() const override { return "ProbeSheet"; }
+  kvhost::ControlList& Controls() override { return controls_; }
+
+  kvhost::ControlArray<kvhost::KvTxt> kvTxt{"kvTxt"};
+  kvhost::CheckBox Chk{"Chk"};
+  kvhost::CommandButton Cmd{"Cmd"};
 
   bool Init(mrvk::IHostContext& context, int32_t progID, int32_t record_id) override {
     ctx_ = &context;
@@ -102,7 +135,7 @@ class ProbeSheet : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk:
   int32_t GetID() override { return id_; }
   bool CheckStatus(const std::string&) override { return false; }
   std::string ReturnPrintName() override { return calls_; }
-  bool IsDirty() override { return false; }
+  bool IsDirty() override { return dirty_; }
   void DoGetFormStatus() override { calls_ += "DoGetFormStatus "; }
   void DoSaveFormStatus() override {}
   std::string Attributes(int32_t key) override { return key == 98 ? "check" : ""; }
@@ -110,6 +143,36 @@ class ProbeSheet : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk:
 
  private:
   std::string NewKey(int32_t& id);
+
+  // Opens the entry dialog; a saved party is announced by a message.
+  void Cmd_Click() {
+    dlgTxt[0].Text = "";
+    dialog_.Show();
+  }
+  // Saves the typed name as a party and closes the dialog; an empty name is refused.
+  void DialogSave() {
+    const std::string name = mrvk::Trim(dlgTxt[0].Text);
+    if (name.empty()) {
+      mrvk::MsgBox("姓名不能为空！", mrvk::msgbox::kExclamation, "业主");
+      return;
+    }
+    int32_t id = 0;
+    if (!NewKey(id).empty()) return;
+    ctx_->Database()
+        .CreateCommand("insert into fwyz (业主ID,业主编号,业主名称,类型) values (" +
+                           std::to_string(id) + ",'D" + std::to_string(id) + "'," +
+                           mrvk::SqlQuoted(name) + ",0)",
+                       1)
+        ->Execute();
+    RaiseEvent("Message", mrvk::event_id::kMessage, {Variant("保存成功！")});
+    dialog_.Hide();
+  }
+
+  kvhost::ControlList controls_;
+  kvhost::Dialog dialog_{"FrmProbe"};
+  kvhost::ControlArray<kvhost::KvTxt> dlgTxt{"kvTxt"};
+  kvhost::ControlArray<kvhost::CommandButton> dlgCmd{"Cmd"};
+  bool dirty_ = false;
   mrvk::IHostContext* ctx_ = nullptr;
   int32_t prog_ = 0;
   int32_t id_ = 0;

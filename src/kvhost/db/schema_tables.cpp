@@ -54,7 +54,10 @@ const std::vector<TableDef>& Tables() {
         {"工作单位", T},
         {"备注", T},
         {"类型", L, "0"},
-        {"联系人电话", T}},
+        {"联系人电话", T},
+        // The code picker lists a party with its address and contact.
+        {"地址", T},
+        {"联系人", T}},
        "业主ID"},
       // The data dictionary: coded lists by 类型.
       {"pdmsjzd", {{"ID", L}, {"代码", T}, {"名称", T}, {"类型", T}, {"是否系统", N, "0"}}, "ID"},

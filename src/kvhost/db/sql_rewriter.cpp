@@ -21,6 +21,7 @@ struct Slot {
   bool param;                     // lifted into a parameter, else written into the text
   bool negative;                  // the '-' before the number belongs to the parameter
   bool like;                      // the right side of a like: no type check
+  bool compared;                  // the right side of a comparison, not a VALUES entry
   std::optional<ColType> target;  // the column the value is compared with or stored in
   std::string target_name;
 };
@@ -53,6 +54,7 @@ struct Token {
   bool lift = false;
   bool negative = false;
   bool like = false;
+  bool compared = false;
   std::optional<ColType> target;
   std::string_view target_name;
 };
@@ -316,7 +318,8 @@ std::string QuoteText(std::string_view value) {
 }
 
 // The value of a lifted literal. A value bound for a date column must be a real date (stored
-// as yyyy-mm-dd); a quoted value bound for a numeric column must be a number.
+// as yyyy-mm-dd); a quoted value bound for a numeric column must be a number; a bare number
+// compared with a text column is a text.
 bool MakeParam(const Literal& t, const Slot& slot, SqlParam& param, std::string& error) {
   if (t.kind == Tok::Number) {
     param.text = slot.negative ? "-" : "";
@@ -329,6 +332,13 @@ bool MakeParam(const Literal& t, const Slot& slot, SqlParam& param, std::string&
     param.kind = SqlParam::Kind::Text;
   }
   if (!slot.target || slot.like) return true;
+  if (*slot.target == ColType::Text || *slot.target == ColType::Memo) {
+    // A bare number compared with a text column stands for the text it is written as: the
+    // approval test "smark=02" looks for the mark "02" as the column holds it, not for 2.
+    // Stored by a VALUES list it stays a number, which the column keeps as its text.
+    if (t.kind == Tok::Number && slot.compared) param.kind = SqlParam::Kind::Text;
+    return true;
+  }
   if (*slot.target == ColType::Date) {
     auto d = param.kind == SqlParam::Kind::Text ? mrvk::ParseDate(param.text) : std::nullopt;
     if (!d) {
@@ -560,6 +570,7 @@ bool SqlRewriter::BuildPlan(std::vector<Token>& toks, Plan& plan, std::string& e
     std::string_view target_name;
     bool liftable = false;
     bool like = false;
+    bool compared = false;
     const bool next_ok =
         !(k + 1 < idx.size() && (IsArithmetic(tok(k + 1)) || punct_is(k + 1, ".")));
     if (k > 0 && next_ok) {
@@ -568,6 +579,7 @@ bool SqlRewriter::BuildPlan(std::vector<Token>& toks, Plan& plan, std::string& e
       const bool cmp = (op.kind == Tok::Punct && IsComparison(op.text)) || like;
       if (cmp && op_pos > 0 && tok(op_pos - 1).kind == Tok::Word) {
         liftable = true;
+        compared = true;
         target_name = tok(op_pos - 1).text;
         target = column_type(op_pos - 1);
       } else if (depth == depth_values && op.kind == Tok::Punct &&
@@ -584,6 +596,7 @@ bool SqlRewriter::BuildPlan(std::vector<Token>& toks, Plan& plan, std::string& e
     t.lift = true;
     t.negative = negative_number;
     t.like = like;
+    t.compared = compared;
     t.target = target;
     t.target_name = target_name;
     if (negative_number) tok(k - 1).removed = true;
@@ -597,8 +610,8 @@ bool SqlRewriter::BuildPlan(std::vector<Token>& toks, Plan& plan, std::string& e
       continue;
     }
     if (t.literal >= 0) {
-      plan.slots.push_back(
-          {t.literal, t.lift, t.negative, t.like, t.target, std::string(t.target_name)});
+      plan.slots.push_back({t.literal, t.lift, t.negative, t.like, t.compared, t.target,
+                            std::string(t.target_name)});
       plan.pieces.emplace_back();
     } else {
       plan.pieces.back() += t.text;
@@ -662,12 +675,17 @@ bool SqlRewriter::Apply(const Plan& plan, const std::vector<Literal>& literals, 
     SqlParam param;
     if (!MakeParam(t, slot, param, error)) return false;
     out.params.push_back(std::move(param));
+    // The marker never runs into a neighbouring word: the statements write "like'%x%'" and
+    // "'x'and progid", and on PostgreSQL "ilike$1" or "$1and" would read as one name.
+    if (!s.empty() && IsWordChar(static_cast<unsigned char>(s.back()))) s += ' ';
     if (dialect_ == Dialect::Sqlite) {
       s += '?';
     } else {
       s += '$';
       s += std::to_string(out.params.size());
     }
+    const std::string& next = plan.pieces[i + 1];
+    if (!next.empty() && IsWordChar(static_cast<unsigned char>(next.front()))) s += ' ';
   }
   s += plan.pieces.back();
   return true;

@@ -13,6 +13,10 @@
 
 #include "mrvk/frame/variant.h"
 
+namespace kvhost {
+class ControlList;  // the controls of a screen, kvhost/lib/control_list.h
+}  // namespace kvhost
+
 namespace mrvk {
 
 // ---- Events ------------------------------------------------------------------------------
@@ -339,6 +343,8 @@ class IDesignUI {
   // Writing the parameters: "backcolor" and, on sheets with printing, "printfilename".
   // A null collection is ignored.
   virtual void SetParameters(std::shared_ptr<IParameters> parameters) = 0;
+  // The screen's controls in screen order (view-models of kvhost/lib).
+  virtual kvhost::ControlList& Controls() = 0;
 };
 
 class IFormToolUI {

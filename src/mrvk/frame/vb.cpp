@@ -180,6 +180,12 @@ int MsgBox(const std::string& prompt, int flags, const std::string& title) {
   return buttons == msgbox::kOkCancel ? msgbox::kCancel : msgbox::kOk;
 }
 
+void ShowModal(IModalForm& form) {
+  IUiPort* port = CurrentUiPort();
+  if (!port) throw VbError(vb_error::kCannotShowModal, "不能显示对话框：" + form.Title());
+  port->ShowModal(form);
+}
+
 std::string InputBox(const std::string& prompt, const std::string& title,
                      const std::string& default_text) {
   IUiPort* port = CurrentUiPort();

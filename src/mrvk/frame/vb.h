@@ -31,6 +31,7 @@ inline constexpr int kDivisionByZero = 11;
 inline constexpr int kTypeMismatch = 13;
 inline constexpr int kSubscriptOutOfRange = 9;
 inline constexpr int kItemNotFound = 3265;
+inline constexpr int kCannotShowModal = 401;
 }  // namespace vb_error
 
 [[noreturn]] void RaiseDivisionByZero();
@@ -89,9 +90,20 @@ inline constexpr int kNo = 7;
 
 // The UI port of a host session: where the module's modal boxes go. The web client answers
 // from the browser, the screen protocol from its caller, tests from a script.
+// A dialog of the module shown modally: the UI port lets the person work on it until it
+// hides itself.
+class IModalForm {
+ public:
+  virtual ~IModalForm() = default;
+  virtual bool IsShown() const = 0;
+  virtual std::string Title() const = 0;
+};
+
 class IUiPort {
  public:
   virtual ~IUiPort() = default;
+  // Runs the person's work on a shown dialog until it hides; returns then.
+  virtual void ShowModal(IModalForm& form) = 0;
   // Shows a message box and returns the button chosen (msgbox::kYes, ...).
   virtual int MsgBox(const std::string& prompt, int flags, const std::string& title) = 0;
   // Shows an input box; nullopt when the user cancels (VB gives "" then).
@@ -107,6 +119,9 @@ void SetCurrentUiPort(IUiPort* port);
 // VB MsgBox and InputBox through the current session's UI port. Without a port (a batch job)
 // MsgBox answers OK/yes-less defaults: kOk for an information box, kNo for a question.
 int MsgBox(const std::string& prompt, int flags = msgbox::kOkOnly, const std::string& title = "");
+// Shows a dialog modally through the current session's UI port and returns when it hides.
+// Without a port (a batch job) no dialog can be shown: a run-time failure.
+void ShowModal(IModalForm& form);
 std::string InputBox(const std::string& prompt, const std::string& title = "",
                      const std::string& default_text = "");
 

@@ -129,6 +129,43 @@ TEST(SqlRewriter, LiftsComparedAndInsertedLiteralsAndLeavesOthers) {
   EXPECT_EQ(r.params, std::vector<std::string>{"%张%"});
 }
 
+TEST(SqlRewriter, MarkersStayApartFromTheWordsAroundThem) {
+  // The statements splice values against keywords without a blank ("like'%x%'", "'x'and").
+  const std::string sql =
+      "select 1 from t where 名称 like'%张%'and 合同编号 ='HT1'and progid =5 and 金额>=0";
+  auto r = Rewrite(Dialect::Postgres, sql);
+  ASSERT_TRUE(r.ok) << r.error;
+  EXPECT_EQ(r.sql,
+            "select 1 from t where 名称 ilike $1 and 合同编号 =$2 and progid =$3 and 金额>=$4");
+  EXPECT_EQ(r.params, (std::vector<std::string>{"%张%", "HT1", "5", "0"}));
+  r = Rewrite(Dialect::Sqlite, sql);
+  ASSERT_TRUE(r.ok) << r.error;
+  EXPECT_EQ(r.sql, "select 1 from t where 名称 like ? and 合同编号 =? and progid =? and 金额>=?");
+}
+
+TEST(SqlRewriter, ABareNumberComparedWithATextColumnIsTheTextAsWritten) {
+  // The approval tests write "smark=02" without quotes; the mark is the text "02".
+  for (Dialect d : {Dialect::Sqlite, Dialect::Postgres}) {
+    SqlRewriter rw(d, TestTypes());
+    RewrittenSql out;
+    std::string error;
+    ASSERT_TRUE(
+        rw.Rewrite("select 编号 from t where 合同ID=703 And 编号=02 and 名称<>-1.50", out, error))
+        << error;
+    ASSERT_EQ(out.params.size(), 3u);
+    EXPECT_EQ(out.params[0].kind, SqlParam::Kind::Integer);
+    EXPECT_EQ(out.params[1].kind, SqlParam::Kind::Text);
+    EXPECT_EQ(out.params[1].text, "02");
+    EXPECT_EQ(out.params[2].kind, SqlParam::Kind::Text);
+    EXPECT_EQ(out.params[2].text, "-1.50");
+    // Stored by a VALUES list a number stays a number, as Jet stores it.
+    ASSERT_TRUE(rw.Rewrite("insert into t (编号,金额) values (02,3)", out, error)) << error;
+    ASSERT_EQ(out.params.size(), 2u);
+    EXPECT_EQ(out.params[0].kind, SqlParam::Kind::Integer);
+    EXPECT_EQ(out.params[1].kind, SqlParam::Kind::Integer);
+  }
+}
+
 TEST(SqlRewriter, PostgresComparesLikeWithoutRegardToCaseAsJetDoes) {
   auto r = Rewrite(Dialect::Postgres, "select 1 from t where 名称 like 'ab%'");
   ASSERT_TRUE(r.ok) << r.error;
