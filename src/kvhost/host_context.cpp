@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "mrvk/frame/data_access.h"
 #include "mrvk/frame/vb.h"
 
 namespace kvhost {
@@ -112,6 +113,37 @@ bool HostContext::ReleaseBillCode(int32_t progID, mrvk::Date date, const std::st
   Status s = db_.connection().Execute(upd, nullptr);
   if (!s.ok()) last_error_ = s.message();
   return s.ok();
+}
+
+}  // namespace kvhost
+
+namespace kvhost {
+
+void HostContext::ShowPicker(KvTxt& field, std::string&, mrvk::Variant&) {
+  mrvk::MsgBox("没有可用的选择列表：" + field.Config.PickerKey, mrvk::msgbox::kInformation, "");
+}
+
+void HostContext::CheckPicker(KvTxt& field, const std::string& typed, mrvk::Variant& value,
+                              std::string& text) {
+  std::string sql = field.Config.ValidateSql;
+  const std::string escaped = mrvk::SqlText(typed);
+  for (size_t at = sql.find('@'); at != std::string::npos; at = sql.find('@', at + escaped.size()))
+    sql.replace(at, 1, escaped);
+  auto rs = db_.CreateCommand(sql, 1)->OpenRecordset();
+  const std::string error = db_.Error().Description();
+  if (!error.empty()) {
+    mrvk::MsgBox(error, mrvk::msgbox::kCritical, "");
+    return;
+  }
+  if (rs->Eof() && rs->Bof()) {
+    value = mrvk::Variant(int32_t{0});
+    text = typed;
+    mrvk::MsgBox(field.Config.ErrorMessage, mrvk::msgbox::kExclamation, "");
+    return;
+  }
+  value = rs->Fields(field.Config.ValueColumn).Value;
+  const mrvk::Variant& shown = rs->Fields(field.Config.DisplayColumn).Value;
+  text = shown.IsNull() || shown.IsEmpty() ? "" : shown.ToString();
 }
 
 }  // namespace kvhost

@@ -3,6 +3,9 @@
 #include <map>
 #include <mutex>
 
+#include "mrvk/master/pdm_ly.h"
+#include "mrvk/master/pdm_wy.h"
+
 namespace mrvk {
 
 const std::vector<ClassInfo>& ClassTable() {
@@ -42,9 +45,16 @@ struct Factories {
   std::map<std::string, ClassFactory, std::less<>> by_name;
 };
 
+// The module's classes, by the names the host creates them under.
+void RegisterModuleClasses(Factories& f) {
+  f.by_name["PDMLy"] = [] { return NewPDMLy(); };
+  f.by_name["PDMWy"] = [] { return NewPDMWy(); };
+}
+
 Factories& Registered() {
-  // The module's classes register here as they are built.
   static Factories f;
+  static std::once_flag once;
+  std::call_once(once, [] { RegisterModuleClasses(f); });
   return f;
 }
 

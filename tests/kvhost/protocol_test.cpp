@@ -150,7 +150,7 @@ TEST_P(ProtocolTest, BadRequestsGetAClearErrorAndChangeNothing) {
       {R"({"op":"launch"})", "unknown op"},
       {R"({"op":"answer","value":6})", "nothing is waiting"},
       {R"({"op":"open","class":"NoSuchClass"})", "unknown class"},
-      {R"({"op":"open","class":"PDMLy","progID":870001})", "not built yet"},
+      {R"({"op":"open","class":"RPT_HT_List","progID":870401})", "not built yet"},
       {R"({"op":"open","class":"FrmYz"})", "dialog"},
       {R"({"op":"open","class":"ProbeSheet","progID":999})", "refused"},
       {R"({"op":"open","class":"ProbeSheet","progID":"870004"})", "wrong type"},

@@ -15,6 +15,7 @@
 
 namespace kvhost {
 class ControlList;  // the controls of a screen, kvhost/lib/control_list.h
+class KvTxt;        // the labelled field, kvhost/lib/kv_txt.h
 }  // namespace kvhost
 
 namespace mrvk {
@@ -219,6 +220,16 @@ class IHostContext {
   virtual bool BillCode(int32_t progID, Date date, std::string& code, bool preview) = 0;
   // Gives a number back before its document is deleted. False stops the delete.
   virtual bool ReleaseBillCode(int32_t progID, Date date, const std::string& code) = 0;
+  // The default service of a field's picker request: the host opens the list bound to the
+  // field's PickerKey and leaves the choice in text and value; a cancel leaves them as they
+  // were.
+  virtual void ShowPicker(kvhost::KvTxt& field, std::string& text, Variant& value) = 0;
+  // The default service of a field's check request: the field's ValidateSql with every @
+  // standing for the typed text. With a row, value takes its ValueColumn and text its
+  // DisplayColumn; with none, the field's ErrorMessage is shown, value becomes 0 and text
+  // stays as typed.
+  virtual void CheckPicker(kvhost::KvTxt& field, const std::string& typed, Variant& value,
+                           std::string& text) = 0;
   // The host services of later parts; nullptr until the host provides them.
   virtual IHostPicker* Picker(const std::string& key) = 0;
   virtual IHostPrintEngine* PrintEngine() = 0;
@@ -257,6 +268,15 @@ class ModuleObject {
  protected:
   void RaiseEvent(std::string name, int id, std::vector<Variant> args = {}) const {
     if (sink_) sink_(Event{std::move(name), id, std::move(args)});
+  }
+  // The two reports of sheets and reports: a status line text, and a failure with its level
+  // (err_level::...) and the title of the class.
+  void Message(const std::string& text) const {
+    RaiseEvent("Message", event_id::kMessage, {Variant(text)});
+  }
+  void ErrMessage(const std::string& text, int level, const std::string& title) const {
+    RaiseEvent("ErrMessage", event_id::kErrMessage,
+               {Variant(text), Variant(level), Variant(title)});
   }
 
  private:

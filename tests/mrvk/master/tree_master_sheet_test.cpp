@@ -1,0 +1,308 @@
+// Buildings and estates, driven as a clerk drives them: toolbar operations, typing, picking
+// and tree clicks, on both engines. Assertions are on what the clerk sees (fields, tree,
+// reports, boxes) and on what the database holds.
+#include "mrvk/master/tree_master_sheet.h"
+
+#include <gtest/gtest.h>
+
+#include "kvhost/lib/kv_txt.h"
+#include "kvhost/lib/tree_view_control.h"
+#include "support/engines.h"
+
+namespace mrvk {
+namespace {
+
+using kvhost::Gesture;
+using kvhost::HostEvent;
+
+class TreeMasterSheetTest : public kvtest::EngineTest {
+ protected:
+  void Open(const char* cls = "PDMLy", int32_t prog = 870001) {
+    screen_ = host().open(cls, prog, 0);
+    ASSERT_NE(screen_, nullptr) << host().last_error();
+    sheet_ = dynamic_cast<TreeMasterSheet*>(screen_->object.get());
+    ASSERT_NE(sheet_, nullptr);
+    host().take_events();
+  }
+  // An interface operation; its boolean result.
+  bool Call(const std::string& method, std::vector<Variant> args = {}) {
+    Variant result;
+    kvhost::Status st = host().invoke(*screen_, method, args, result);
+    EXPECT_TRUE(st.ok()) << method << ": " << st.message();
+    return result.AsBool();
+  }
+  void Gest(const std::string& control, int index, Gesture g) {
+    kvhost::Status st = host().gesture(*screen_, control, index, g);
+    EXPECT_TRUE(st.ok()) << control << "(" << index << ") " << g.kind << ": " << st.message();
+  }
+  // Types into a field and leaves it, as a clerk does.
+  void Type(int index, const std::string& text) {
+    Gest("kvTxt", index, {"type", text});
+    Gest("kvTxt", index, {"leave"});
+  }
+  void Select(const std::string& key) { Gest("TV", -1, {.kind = "select", .key = key}); }
+  std::string Text(int index) { return sheet_->kvTxt[index].Text; }
+  // The texts of the tree's nodes in display order.
+  std::vector<std::string> Nodes() {
+    std::vector<std::string> out;
+    for (kvhost::TreeNode* root : sheet_->TV.Nodes.Roots()) {
+      out.push_back(root->Text);
+      for (kvhost::TreeNode* child : root->ChildNodes()) out.push_back(child->Text);
+    }
+    return out;
+  }
+  std::string Selected() {
+    kvhost::TreeNode* n = sheet_->TV.SelectedItem();
+    return n ? n->Text : "";
+  }
+  // The ErrMessage and Message texts raised since the last look, "text|level|title".
+  std::vector<std::string> Reports() {
+    std::vector<std::string> out;
+    for (const HostEvent& e : host().take_events()) {
+      if (e.event.name == "ErrMessage")
+        out.push_back(e.event.args[0].ToString() + "|" + e.event.args[1].ToString() + "|" +
+                      e.event.args[2].ToString());
+      else if (e.event.name == "Message")
+        out.push_back(e.event.args[0].ToString());
+    }
+    return out;
+  }
+  void AddBuilding(int id, const std::string& code, const std::string& name, int estate = 0) {
+    Exec("insert into fwly (楼宇ID,楼宇编号,楼宇名称,物业ID) values (" + std::to_string(id) + ",'" +
+         code + "','" + name + "'," + std::to_string(estate) + ")");
+  }
+  // A new building typed in full and saved.
+  bool SaveNew(const std::string& code, const std::string& name) {
+    Call("FileNew");
+    Type(0, code);
+    Type(1, name);
+    return Call("FileSave");
+  }
+
+  kvhost::Screen* screen_ = nullptr;
+  TreeMasterSheet* sheet_ = nullptr;
+};
+
+TEST_P(TreeMasterSheetTest, RefreshListsRowsByCodeUnderTheRootAndTheRootShowsNothing) {
+  Open();
+  EXPECT_EQ(Nodes(), (std::vector<std::string>{"全部楼宇"}));
+  EXPECT_EQ(Selected(), "全部楼宇");
+  AddBuilding(7, "B02", "  二号楼 ");
+  AddBuilding(3, "B01", "一号楼");
+  ASSERT_TRUE(Call("Refresh"));
+  EXPECT_EQ(Nodes(), (std::vector<std::string>{"全部楼宇", "B01 一号楼", "B02 二号楼"}));
+  Select("KB02");
+  EXPECT_EQ(Text(0), "B02");
+  EXPECT_EQ(Text(1), "  二号楼 ");
+  Select("ROOT");
+  EXPECT_EQ(Text(0), "");
+  EXPECT_EQ(Text(1), "");
+  // Viewing: the tree works, the fields don't.
+  EXPECT_TRUE(sheet_->TV.Enabled);
+  EXPECT_FALSE(sheet_->kvTxt[0].Enabled);
+}
+
+TEST_P(TreeMasterSheetTest, ANewBuildingIsSavedWithItsEstateAndAreasAndShowsInTheTree) {
+  Exec("insert into fwwy (物业ID,物业编号,物业名称) values (5,'W01','阳光花园')");
+  Open();
+  ASSERT_TRUE(Call("FileNew"));
+  EXPECT_FALSE(sheet_->TV.Enabled);
+  EXPECT_TRUE(sheet_->kvTxt[0].Enabled);
+  Type(0, " B01 ");
+  Type(1, "一号楼");
+  Type(2, "W01");  // a typed estate code is checked and replaced by the estate's name
+  EXPECT_EQ(Text(2), "阳光花园");
+  Type(3, "高层住宅");
+  Type(4, "120.5");
+  Type(5, "abc");  // not a number: stored as 0
+  EXPECT_TRUE(sheet_->IsDirty());
+  ASSERT_TRUE(Call("FileSave")) << ::testing::PrintToString(Reports());
+  EXPECT_FALSE(sheet_->IsDirty());
+  EXPECT_EQ(Scalar("select 楼宇编号 from fwly"), "B01");
+  EXPECT_EQ(Scalar("select 物业ID from fwly"), "5");
+  EXPECT_EQ(Scalar("select 楼宇类型 from fwly"), "高层住宅");
+  EXPECT_EQ(Scalar("select 占地面积 from fwly"), "120.5");
+  EXPECT_EQ(Scalar("select 建筑面积 from fwly"), "0");
+  EXPECT_EQ(Nodes(), (std::vector<std::string>{"全部楼宇", "B01 一号楼"}));
+  // Back in viewing; the selection stays where it was.
+  EXPECT_TRUE(sheet_->TV.Enabled);
+  EXPECT_EQ(Selected(), "全部楼宇");
+
+  // Shown again from the database: the estate's name, areas by the number rule.
+  Select("KB01");
+  EXPECT_EQ(Text(2), "阳光花园");
+  EXPECT_EQ(sheet_->kvTxt[2].Value.ToDouble(), 5);
+  EXPECT_EQ(Text(4), "120.5");
+  EXPECT_EQ(Text(5), "0");
+}
+
+TEST_P(TreeMasterSheetTest, ABuildingWithoutEstateWritesZeroAndAnUnknownEstateIsRefused) {
+  Open();
+  host().ui().answers.push_back(msgbox::kOk);
+  Call("FileNew");
+  Type(0, "B09");
+  Type(1, "九号楼");
+  Type(2, "没有这个物业");
+  ASSERT_EQ(host().ui().shown.size(), 1u);
+  EXPECT_EQ(host().ui().shown[0].prompt, "所属物业输入有误，请重新输入！");
+  EXPECT_EQ(sheet_->kvTxt[2].Value.ToDouble(), 0);
+  ASSERT_TRUE(Call("FileSave"));
+  EXPECT_EQ(Scalar("select 物业ID from fwly where 楼宇编号='B09'"), "0");
+}
+
+TEST_P(TreeMasterSheetTest, CodesAndNamesMustBeGivenAndUnique) {
+  AddBuilding(1, "B01", "一号楼");
+  Open();
+  Call("FileNew");
+  Type(0, "   ");
+  Type(1, "新楼");
+  EXPECT_FALSE(Call("FileSave"));
+  EXPECT_EQ(Reports(), (std::vector<std::string>{"没有具体的编号,请录入!|2|楼宇"}));
+  EXPECT_EQ(sheet_->Controls().Focused(), &sheet_->kvTxt[0]);
+  Type(0, "B01");
+  EXPECT_FALSE(Call("FileSave"));
+  EXPECT_EQ(Reports(), (std::vector<std::string>{"编号重复,请检查!|2|楼宇"}));
+  Type(0, "B02");
+  Type(1, "一号楼");
+  EXPECT_FALSE(Call("FileSave"));
+  EXPECT_EQ(Reports(), (std::vector<std::string>{"名称重复,请检查!|2|楼宇"}));
+  EXPECT_EQ(sheet_->Controls().Focused(), &sheet_->kvTxt[1]);
+  // Still editing, nothing written.
+  EXPECT_FALSE(sheet_->TV.Enabled);
+  EXPECT_EQ(Scalar("select count(*) from fwly"), "1");
+
+  // Editing a row under its own name passes: the check leaves the row itself out.
+  Call("FileCancel");
+  Select("KB01");
+  ASSERT_TRUE(Call("FileEdit"));
+  EXPECT_FALSE(sheet_->kvTxt[0].Enabled);  // the code of a saved row stays
+  Type(6, "东区");
+  ASSERT_TRUE(Call("FileSave")) << ::testing::PrintToString(Reports());
+  EXPECT_EQ(Scalar("select 位置 from fwly where 楼宇ID=1"), "东区");
+}
+
+TEST_P(TreeMasterSheetTest, QuotesAndLongTextsAreStoredAsTyped) {
+  Open();
+  std::string long_text;
+  for (int i = 0; i < 700; ++i) long_text += "楼";
+  Call("FileNew");
+  Type(0, "B'1");
+  Type(1, "O'Brien's 大厦 -- ; \\");
+  Type(7, long_text);
+  ASSERT_TRUE(Call("FileSave")) << ::testing::PrintToString(Reports());
+  ASSERT_TRUE(Call("Refresh"));
+  Select("KB'1");
+  EXPECT_EQ(Text(1), "O'Brien's 大厦 -- ; \\");
+  EXPECT_EQ(Text(7), long_text);
+  EXPECT_EQ(Nodes()[1], "B'1 O'Brien's 大厦 -- ; \\");
+}
+
+TEST_P(TreeMasterSheetTest, EditingUpdatesTheNodeAndCancelShowsTheStoredRowAgain) {
+  AddBuilding(1, "B01", "一号楼");
+  Open();
+  Select("KB01");
+  Call("FileEdit");
+  Type(1, "壹号楼");
+  ASSERT_TRUE(Call("FileSave"));
+  EXPECT_EQ(Selected(), "B01 壹号楼");
+  Call("FileEdit");
+  Type(1, "不要了");
+  ASSERT_TRUE(Call("FileCancel"));
+  EXPECT_EQ(Text(1), "壹号楼");
+  EXPECT_FALSE(sheet_->IsDirty());
+  EXPECT_TRUE(sheet_->TV.Enabled);
+}
+
+TEST_P(TreeMasterSheetTest, DeleteAsksFirstAndRefusesTheRootAndBuildingsInUse) {
+  AddBuilding(1, "B01", "一号楼");
+  AddBuilding(2, "B02", "二号楼");
+  Exec("insert into fwfy (房源ID,房源编号,楼宇ID) values (1,'F1',2)");
+  Open();
+  // The root: nothing to delete or edit.
+  host().ui().answers = {msgbox::kOk, msgbox::kOk};
+  EXPECT_FALSE(Call("FileDelete"));
+  EXPECT_FALSE(Call("FileEdit"));
+  ASSERT_EQ(host().ui().shown.size(), 2u);
+  EXPECT_EQ(host().ui().shown[0].prompt, "无选择项目,不能进行编辑");
+  EXPECT_EQ(host().ui().shown[0].title, "提示：");
+  EXPECT_EQ(host().ui().shown[0].flags, 64);
+
+  // Answering no deletes nothing.
+  Select("KB01");
+  host().ui().answers = {msgbox::kNo};
+  EXPECT_FALSE(Call("FileDelete"));
+  EXPECT_EQ(host().ui().shown.back().prompt, "是否删除当前记录:B01 一号楼");
+  EXPECT_EQ(host().ui().shown.back().flags, 52);
+  EXPECT_EQ(Scalar("select count(*) from fwly"), "2");
+
+  // A building a housing unit lies in stays.
+  Select("KB02");
+  host().ui().answers = {msgbox::kYes};
+  EXPECT_FALSE(Call("FileDelete"));
+  EXPECT_EQ(Reports(), (std::vector<std::string>{"该[楼宇]已启用,不能删除!|2|楼宇"}));
+  EXPECT_EQ(Scalar("select count(*) from fwly"), "2");
+
+  // Yes deletes the row and the node; the next node is selected and shown.
+  Select("KB01");
+  host().ui().answers = {msgbox::kYes};
+  EXPECT_TRUE(Call("FileDelete"));
+  EXPECT_EQ(Scalar("select count(*) from fwly where 楼宇ID=1"), "0");
+  EXPECT_EQ(Nodes(), (std::vector<std::string>{"全部楼宇", "B02 二号楼"}));
+  EXPECT_EQ(Selected(), "B02 二号楼");
+  EXPECT_EQ(Text(0), "B02");
+}
+
+TEST_P(TreeMasterSheetTest, FindAsksForATextAndNavigationMovesTheSelection) {
+  AddBuilding(1, "A01", "一号楼");
+  AddBuilding(2, "B01", "Tower East");
+  AddBuilding(3, "C01", "tower west");
+  Open();
+  host().ui().inputs.push_back("TOWER");
+  ASSERT_TRUE(Call("Find", {Variant()}));
+  EXPECT_EQ(host().ui().shown.back().prompt, "输入要查找的节点名称:");
+  EXPECT_EQ(host().ui().shown.back().title, "查找记录");
+  EXPECT_EQ(Selected(), "B01 Tower East");
+  EXPECT_EQ(Text(0), "B01");
+  Call("FindNext");
+  EXPECT_EQ(Selected(), "C01 tower west");
+  // A find without a match leaves the selection.
+  host().ui().inputs.push_back("没有");
+  Call("Find", {Variant()});
+  EXPECT_EQ(Selected(), "C01 tower west");
+
+  Call("RecordTop");
+  EXPECT_EQ(Selected(), "C01 tower west");
+  Call("RecordPrevious");
+  EXPECT_EQ(Selected(), "B01 Tower East");
+  EXPECT_EQ(Text(0), "B01");
+  Call("RecordNext");
+  EXPECT_EQ(Text(0), "C01");
+}
+
+TEST_P(TreeMasterSheetTest, AnEstateUsedOnlyByABuildingCanBeDeleted) {
+  Exec(
+      "insert into fwwy (物业ID,物业编号,物业名称,建成年份) values "
+      "(5,'W01','阳光花园','九十年代')");
+  Exec("insert into fwwy (物业ID,物业编号,物业名称) values (6,'W02','月光花园')");
+  AddBuilding(1, "B01", "一号楼", 5);
+  Exec("insert into fwfy (房源ID,房源编号,物业ID) values (1,'F1',6)");
+  Open("PDMWy", 870002);
+  EXPECT_EQ(Nodes(), (std::vector<std::string>{"全部物业", "W01 阳光花园", "W02 月光花园"}));
+  Select("KW01");
+  EXPECT_EQ(Text(4), "九十年代");
+  host().ui().answers = {msgbox::kYes, msgbox::kYes};
+  EXPECT_TRUE(Call("FileDelete"));
+  Select("KW02");
+  EXPECT_FALSE(Call("FileDelete"));
+  EXPECT_EQ(Reports(), (std::vector<std::string>{"该[物业名称]已启用,不能删除!|2|物业"}));
+  // The building keeps its estate ID and shows no estate.
+  Open();
+  Select("KB01");
+  EXPECT_EQ(Text(2), "");
+  EXPECT_EQ(sheet_->kvTxt[2].Value.ToDouble(), 5);
+}
+
+MRVK_ON_BOTH_ENGINES(TreeMasterSheetTest);
+
+}  // namespace
+}  // namespace mrvk
