@@ -13,8 +13,6 @@ std::string DefaultDatabaseUrl() {
   return "sqlite://" + (dir / "mrvk.sqlite3").string();
 }
 
-namespace {
-
 // Makes the folder of a SQLite file database, so that a fresh checkout can start at once.
 void EnsureSqliteFolder(const std::string& url) {
   static const std::string kSqlite = "sqlite://";
@@ -23,8 +21,6 @@ void EnsureSqliteFolder(const std::string& url) {
   std::error_code ec;
   if (file.has_parent_path()) std::filesystem::create_directories(file.parent_path(), ec);
 }
-
-}  // namespace
 
 int RunInitDb(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
   std::string url = DefaultDatabaseUrl();

@@ -19,4 +19,7 @@ int RunDrive(const std::vector<std::string>& args, std::istream& in, std::ostrea
 // The database of the project folder, used when --database is not given.
 std::string DefaultDatabaseUrl();
 
+// Makes the folder of a SQLite file database URL, so that a fresh checkout can start at once.
+void EnsureSqliteFolder(const std::string& url);
+
 }  // namespace mrvk_app

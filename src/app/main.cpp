@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/commands.h"
+#include "app/demo_command.h"
 #include "app/schedule_command.h"
 
 namespace {
@@ -13,6 +14,8 @@ constexpr const char* kUsage =
     "commands:\n"
     "  init-db [--database URL]   create or upgrade the database schema\n"
     "  drive                      the screen protocol on stdin/stdout (JSON lines)\n"
+    "  demo [--database URL] [--units N] [--seed S]\n"
+    "                             fill an empty database with demo master data\n"
     "  schedule --start D --end D --months M --period T [--arrears] [--json]\n"
     "                             preview the collection periods of one fee term\n"
     "database URLs: sqlite:///path/file.sqlite3, sqlite:// (in memory), postgresql://...\n";
@@ -29,6 +32,7 @@ int main(int argc, char** argv) {
   args.erase(args.begin());
   if (command == "init-db") return mrvk_app::RunInitDb(args, std::cout, std::cerr);
   if (command == "drive") return mrvk_app::RunDrive(args, std::cin, std::cout, std::cerr);
+  if (command == "demo") return mrvk_app::RunDemo(args, std::cout, std::cerr);
   if (command == "schedule") return mrvk_app::RunScheduleCommand(args, std::cout, std::cerr);
   std::cerr << "mrvk: unknown command \"" << command << "\"\n" << kUsage;
   return 2;

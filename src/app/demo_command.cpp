@@ -1,0 +1,269 @@
+#include "app/demo_command.h"
+
+#include <cmath>
+#include <iostream>
+#include <random>
+
+#include "app/commands.h"
+#include "kvhost/host.h"
+#include "kvhost/lib/bill_data.h"
+#include "mrvk/frame/data_access.h"
+#include "mrvk/frame/vb.h"
+
+namespace mrvk_app {
+namespace {
+
+const std::vector<std::string> kSurnames = {"王", "李", "张", "刘", "陈", "杨", "黄", "赵",
+                                            "吴", "周", "徐", "孙", "马", "朱", "胡", "郭",
+                                            "何", "林", "罗", "高", "郑", "梁", "谢", "宋"};
+const std::vector<std::string> kGiven = {"伟", "芳", "娜", "敏", "静", "丽", "强", "磊", "军",
+                                         "洋", "勇", "艳", "杰", "娟", "涛", "明", "超", "秀",
+                                         "霞", "平", "刚", "桂", "英", "华", "建", "国", "文"};
+const std::vector<std::string> kEstateWords = {"阳光", "翠竹", "金桂", "碧水", "锦绣", "御景",
+                                               "望江", "紫荆", "春晓", "和平", "东湖", "南山"};
+const std::vector<std::string> kEstateKinds = {"花园", "小区", "公寓", "家园", "新村", "苑"};
+const std::vector<std::string> kDistricts = {"东城区", "西城区", "南城区", "北城区"};
+const std::vector<std::string> kDevelopers = {"城建开发公司", "华安置业"};
+const std::vector<std::string> kLayouts = {"一室一厅", "两室一厅", "两室两厅", "三室一厅",
+                                           "三室两厅"};
+const std::vector<std::string> kFacings = {"南", "北", "东", "西", "南北"};
+const std::vector<std::string> kStructures = {"钢混", "砖混", "框架"};
+const std::vector<std::string> kFitOuts = {"毛坯", "简装", "精装", "豪装"};
+const std::vector<std::string> kProvinces = {"江苏", "浙江", "安徽", "山东", "河南",
+                                             "湖北", "湖南", "四川", "广东", "福建"};
+const std::vector<std::string> kEmployers = {"市第一医院",   "实验中学",     "建设银行支行",
+                                             "电子科技公司", "物流有限公司", "个体经营"};
+
+struct FeeCategory {
+  const char* code;
+  const char* name;
+  const char* mode;
+  double price;
+};
+const FeeCategory kFees[] = {
+    {"01", "物业管理费", "按面积", 1.5}, {"02", "卫生费", "按户", 10},
+    {"03", "水费", "按用量", 3.2},       {"04", "电费", "按用量", 0.6},
+    {"05", "燃气费", "按用量", 2.8},     {"06", "停车费", "按户", 150},
+    {"07", "电梯费", "按户", 20},        {"08", "有线电视费", "按户", 25},
+};
+
+class DemoWriter {
+ public:
+  DemoWriter(kvhost::Host& host, uint32_t seed, std::ostream& out)
+      : host_(host), rng_(seed), out_(out) {
+    bill_.Database(&host_.database());
+  }
+
+  bool Run(int units) {
+    const int estates = std::max(1, units / 400);
+    const int buildings = std::max(1, units / 40);
+    const int owners = std::max(1, units / 2);
+    const int clients = std::max(1, units);
+    return Step("fee categories", 1, [&](int) { return FeeCategories(); }) &&
+           Step("estates", estates, [&](int i) { return Estate(i); }) &&
+           Step("buildings", buildings, [&](int i) { return Building(i); }) &&
+           Step("owners", owners, [&](int i) { return Party(i, /*client=*/false); }) &&
+           Step("clients", clients, [&](int i) { return Party(i, /*client=*/true); }) &&
+           Step("housing units", units, [&](int i) { return Unit(i); });
+  }
+
+  const std::string& error() const { return error_; }
+
+ private:
+  // Writes count rows by `row`, 1000 to a transaction, with progress at every tenth.
+  template <typename Fn>
+  bool Step(const char* what, int count, Fn row) {
+    auto& db = host_.database();
+    int next_report = count / 10;
+    db.BeginTrans();
+    for (int i = 1; i <= count; ++i) {
+      if (!row(i)) {
+        db.RollbackTrans();
+        error_ = std::string(what) + ": " + error_;
+        return false;
+      }
+      if (i % 1000 == 0) {
+        db.CommitTrans();
+        db.BeginTrans();
+      }
+      if (i >= next_report && count >= 10) {
+        out_ << what << " " << i << "/" << count << "\n" << std::flush;
+        next_report += count / 10;
+      }
+    }
+    db.CommitTrans();
+    out_ << what << " done: " << count << "\n" << std::flush;
+    return true;
+  }
+
+  const std::string& Pick(const std::vector<std::string>& list) {
+    return list[rng_() % list.size()];
+  }
+  int Between(int low, int high) { return low + static_cast<int>(rng_() % (high - low + 1)); }
+  std::string Digits(int n) {
+    std::string s;
+    for (int i = 0; i < n; ++i) s += static_cast<char>('0' + rng_() % 10);
+    return s;
+  }
+  static std::string Code(const char* prefix, int i, int width) {
+    std::string n = std::to_string(i);
+    return prefix + std::string(width > static_cast<int>(n.size()) ? width - n.size() : 0, '0') + n;
+  }
+  std::string PersonName() {
+    std::string name = Pick(kSurnames) + Pick(kGiven);
+    if (rng_() % 2) name += Pick(kGiven);
+    return name;
+  }
+
+  bool Exec(const std::string& sql) {
+    if (host_.database().Execute(sql)) return true;
+    error_ = host_.database().Error().Description();
+    return false;
+  }
+  bool Key(const char* table, const char* column, int32_t& id) {
+    error_ = bill_.NewID(table, column, id);
+    return error_.empty();
+  }
+
+  bool FeeCategories() {
+    for (const FeeCategory& f : kFees) {
+      int32_t id = 0;
+      if (!Key("fwfykm", "费用ID", id) ||
+          !Exec("insert into fwfykm (费用ID,费用编号,费用名称,计费方式,单价) values (" +
+                std::to_string(id) + ",'" + f.code + "','" + f.name + "','" + f.mode + "'," +
+                mrvk::NumberText(f.price) + ")"))
+        return false;
+    }
+    return true;
+  }
+
+  bool Estate(int i) {
+    int32_t id = 0;
+    if (!Key("fwwy", "物业ID", id)) return false;
+    estate_ids_.push_back(id);
+    std::string name = Pick(kEstateWords) + Pick(kEstateKinds);
+    if (i > static_cast<int>(kEstateWords.size() * kEstateKinds.size())) name += std::to_string(i);
+    estate_names_.push_back(name);
+    return Exec("insert into fwwy (物业ID,物业编号,物业名称,开发商,所属区域,建成年份) values (" +
+                std::to_string(id) + ",'" + Code("W", i, 4) + "'," + mrvk::SqlQuoted(name) + ",'" +
+                Pick(kDevelopers) + "','" + Pick(kDistricts) + "','" +
+                std::to_string(Between(1995, 2012)) + "')");
+  }
+
+  bool Building(int i) {
+    int32_t id = 0;
+    if (!Key("fwly", "楼宇ID", id)) return false;
+    const size_t estate = (i - 1) % estate_ids_.size();
+    building_ids_.push_back(id);
+    building_estates_.push_back(estate);
+    const std::string name =
+        estate_names_[estate] + std::to_string((i - 1) / estate_ids_.size() + 1) + "号楼";
+    building_names_.push_back(name);
+    return Exec(
+        "insert into fwly (楼宇ID,楼宇编号,楼宇名称,物业ID,楼宇类型,占地面积,建筑面积,位置,"
+        "简介) values (" +
+        std::to_string(id) + ",'" + Code("B", i, 5) + "'," + mrvk::SqlQuoted(name) + "," +
+        std::to_string(estate_ids_[estate]) + ",'" + (rng_() % 3 ? "高层住宅" : "多层住宅") + "'," +
+        std::to_string(Between(400, 1500)) + "," + std::to_string(Between(3000, 20000)) + ",'" +
+        Pick(kDistricts) + "','')");
+  }
+
+  bool Party(int i, bool client) {
+    int32_t id = 0;
+    if (!Key("fwyz", "业主ID", id)) return false;
+    if (!client) owner_ids_.push_back(id);
+    return Exec(
+        "insert into fwyz (业主ID,业主编号,业主名称,性别,电话,身份证号,籍贯,工作单位,备注,"
+        "类型,地址,联系人) values (" +
+        std::to_string(id) + ",'" + Code(client ? "KH" : "YZ", i, 6) + "','" + PersonName() +
+        "','" + (rng_() % 2 ? "男" : "女") + "','13" + Digits(9) + "','" + Digits(6) +
+        std::to_string(Between(1950, 1995)) + Digits(8) + "','" + Pick(kProvinces) + "','" +
+        Pick(kEmployers) + "',''," + (client ? "1" : "0") + ",'" + Pick(kDistricts) + "','')");
+  }
+
+  bool Unit(int i) {
+    int32_t id = 0;
+    if (!Key("fwfy", "房源ID", id)) return false;
+    const size_t building = (i - 1) % building_ids_.size();
+    const size_t estate = building_estates_[building];
+    const int floors = Between(6, 30);
+    const int floor = Between(1, floors);
+    // Four units a floor: 1201 to 1204 on the twelfth.
+    const int slot = static_cast<int>(((i - 1) / building_ids_.size()) % 4) + 1;
+    const std::string room = std::to_string(floor * 100 + slot);
+    const int area = Between(40, 140);
+    const std::string name = building_names_[building] + room + "室";
+    return Exec(
+        "insert into fwfy "
+        "(房源ID,房源编号,房源名称,物业ID,楼宇ID,所属区域,登记日期,物业用途,楼宇类型,"
+        "朝向,户型,结构,装修程度,楼层,总楼层,面积,出租价格,出租状态,业主ID,具体地址) values (" +
+        std::to_string(id) + ",'" + Code("F", i, 6) + "'," + mrvk::SqlQuoted(name) + "," +
+        std::to_string(estate_ids_[estate]) + "," + std::to_string(building_ids_[building]) + ",'" +
+        Pick(kDistricts) + "',#2012-" + std::to_string(Between(10, 12)) + "-" +
+        std::to_string(Between(10, 28)) + "#,'住宅','高层住宅','" + Pick(kFacings) + "','" +
+        Pick(kLayouts) + "','" + Pick(kStructures) + "','" + Pick(kFitOuts) + "','" +
+        std::to_string(floor) + "','" + std::to_string(floors) + "'," + std::to_string(area) + "," +
+        std::to_string(area * Between(20, 45)) + ",'未出租'," +
+        std::to_string(owner_ids_[rng_() % owner_ids_.size()]) + "," +
+        mrvk::SqlQuoted(Pick(kDistricts) + name) + ")");
+  }
+
+  kvhost::Host& host_;
+  std::mt19937 rng_;
+  std::ostream& out_;
+  kvhost::BillData bill_;
+  std::string error_;
+  std::vector<int32_t> estate_ids_, building_ids_, owner_ids_;
+  std::vector<size_t> building_estates_;
+  std::vector<std::string> estate_names_, building_names_;
+};
+
+}  // namespace
+
+int RunDemo(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+  std::string url = DefaultDatabaseUrl();
+  int units = 2000;
+  uint32_t seed = 20121011;
+  for (size_t i = 0; i < args.size(); ++i) {
+    const bool has_value = i + 1 < args.size();
+    if (args[i] == "--database" && has_value) {
+      url = args[++i];
+    } else if ((args[i] == "--units" || args[i] == "--seed") && has_value) {
+      const double v = mrvk::Val(args[i + 1]);
+      if (v < 1 || v > 10000000 || v != std::floor(v) || mrvk::NumberText(v) != args[i + 1]) {
+        err << "mrvk demo: " << args[i] << " takes a whole number from 1 to 10000000\n";
+        return 2;
+      }
+      if (args[i] == "--units")
+        units = static_cast<int>(v);
+      else
+        seed = static_cast<uint32_t>(v);
+      ++i;
+    } else {
+      err << "mrvk demo: unknown argument \"" << args[i] << "\"\n"
+          << "usage: mrvk demo [--database URL] [--units N] [--seed S]\n";
+      return 2;
+    }
+  }
+  EnsureSqliteFolder(url);
+  kvhost::Host host({.database = url, .user = "admin", .login_date = "", .app_path = "."});
+  kvhost::Status st = host.status().ok() ? host.create_schema() : host.status();
+  if (!st.ok()) {
+    err << "mrvk demo: " << st.message() << "\n";
+    return 1;
+  }
+  kvhost::db::ResultSet rs;
+  if (!host.database().Query("select count(*) from fwwy", rs) || rs.values[0].ToDouble() > 0) {
+    err << "mrvk demo: the database already holds estates; demo data goes into an empty one\n";
+    return 1;
+  }
+  DemoWriter writer(host, seed, out);
+  if (!writer.Run(units)) {
+    err << "mrvk demo: " << writer.error() << "\n";
+    return 1;
+  }
+  out << "demo data ready: " << url << "\n";
+  return 0;
+}
+
+}  // namespace mrvk_app
