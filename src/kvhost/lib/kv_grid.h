@@ -1,0 +1,69 @@
+// The editable detail grid of document sheets ("kvGrid"): the shared grid model plus a
+// descriptor per column (read-only, colours, kind of data, a bound picker, a closed list,
+// masked) and the editing gestures. Hidden and format of a column are the grid's ColHidden
+// and ColFormat.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "kvhost/lib/grid_control.h"
+
+namespace kvhost {
+
+// What a column holds: a typed number must read as a number, a typed date as a date (kept
+// as "yyyy-mm-dd").
+enum class GridColumnKind { Text, Number, Date };
+
+struct KvGridColumn {
+  bool ReadOnly = false;
+  int32_t BackColor = kNoColor;
+  int32_t ForeColor = kNoColor;
+  GridColumnKind Kind = GridColumnKind::Text;
+  std::string PickerKey;  // the picker a cell of the column opens
+  std::string List;       // a closed list of entries separated by "|"
+  // The user may not read the column: front ends and printouts show "***" below the fixed
+  // rows.
+  bool Masked = false;
+};
+
+class KvGrid : public GridControl {
+ public:
+  KvGrid(std::string name, int index = -1) : GridControl("kvGrid", std::move(name), index) {}
+
+  // Edits are taken only while the grid is editable; sheets set it with their edit mode.
+  bool Editable = false;
+
+  // The descriptor of a column; throws like any grid member for a column that is not there.
+  KvGridColumn& Column(int col);
+  const KvGridColumn& Column(int col) const;
+  // Resets a column: shown, no list, no picker, editable, no colours, text.
+  void ResetColumn(int col);
+
+  // Before a typed text goes into a cell: the handler may change the text or cancel.
+  std::function<void(int row, int col, std::string& text, bool& cancel)> BeforeEdit;
+  // After a typed text went into the cell.
+  std::function<void(int row, int col)> AfterEdit;
+  std::function<void(int row, int col)> CellClick;
+  std::function<void(int row, int col)> DblClick;
+
+  // cell_edit (row, col, text): refused with the reason, changing nothing, when the grid is
+  // hidden, disabled, locked or not Editable, the cell is in a fixed row or a read-only
+  // column, or the text does not fit the column's kind. Otherwise Row and Col move there,
+  // BeforeEdit runs, and unless it cancels the text goes into the cell and AfterEdit runs.
+  // cell_click and cell_dblclick (row, col): Row and Col move there, then CellClick or
+  // DblClick; they work also while the grid is not editable.
+  std::string Apply(const Gesture& gesture) override;
+
+ protected:
+  std::string StateText(int row, int col) const override;
+  void ColsChanged() override { columns_.resize(static_cast<size_t>(Cols())); }
+  void WriteOwnState(nlohmann::json& out) const override;
+
+ private:
+  std::string Edit(const Gesture& gesture);
+  std::vector<KvGridColumn> columns_ = std::vector<KvGridColumn>(2);
+};
+
+}  // namespace kvhost
