@@ -72,8 +72,8 @@ std::optional<std::string> ScriptedUi::InputBox(const std::string& prompt, const
 }
 
 void ScriptedUi::ShowModal(mrvk::IModalForm& form) {
-  shown.push_back({"dialog", form.Title(), 0, form.Title()});
   auto* dialog = dynamic_cast<Dialog*>(&form);
+  shown.push_back({dialog ? dialog->Kind() : "dialog", form.Title(), 0, form.Title()});
   if (!dialog || dialogs.empty()) throw UnscriptedBox("unscripted dialog: " + form.Title());
   auto script = std::move(dialogs.front());
   dialogs.pop_front();
@@ -82,6 +82,21 @@ void ScriptedUi::ShowModal(mrvk::IModalForm& form) {
     dialog->Hide();
     throw UnscriptedBox("dialog left open by its script: " + form.Title());
   }
+}
+
+std::function<void(Dialog&)> ScriptedUi::ChooseRows(std::vector<int> rows) {
+  return [rows = std::move(rows)](Dialog& d) {
+    auto indexes =
+        std::make_shared<mrvk::VariantArray>(std::vector<int>{static_cast<int>(rows.size())});
+    for (size_t i = 0; i < rows.size(); ++i)
+      indexes->at({static_cast<int>(i)}) = mrvk::Variant(rows[i]);
+    const std::string why = d.Answer(mrvk::Variant(indexes));
+    if (!why.empty()) throw UnscriptedBox("picker answer refused: " + why);
+  };
+}
+
+std::function<void(Dialog&)> ScriptedUi::CancelPicker() {
+  return [](Dialog& d) { d.Answer(mrvk::Variant::Null()); };
 }
 
 Host::Host(HostConfig config) : config_(std::move(config)), status_(Status::Ok()) {

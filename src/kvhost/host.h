@@ -29,7 +29,7 @@ struct HostConfig {
 
 // A modal box the module showed.
 struct ShownBox {
-  std::string kind;  // "msgbox", "inputbox" or "dialog" (prompt and title: its caption)
+  std::string kind;  // "msgbox", "inputbox", "dialog" or "picker" (prompt and title: its caption)
   std::string prompt;
   int flags = 0;
   std::string title;
@@ -51,6 +51,11 @@ class ScriptedUi : public mrvk::IUiPort {
   // What the person does on each dialog shown, in order: gestures through Apply on the
   // dialog's controls. A dialog still shown when its script ends is an unscripted box.
   std::deque<std::function<void(Dialog&)>> dialogs;
+
+  // Scripts for a picker's list (a dialog of kind "picker"), answered as a front end answers
+  // it: the rows with these indexes chosen, or the list cancelled.
+  static std::function<void(Dialog&)> ChooseRows(std::vector<int> rows);
+  static std::function<void(Dialog&)> CancelPicker();
 
   int MsgBox(const std::string& prompt, int flags, const std::string& title) override;
   std::optional<std::string> InputBox(const std::string& prompt, const std::string& title,

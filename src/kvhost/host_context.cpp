@@ -119,8 +119,8 @@ bool HostContext::ReleaseBillCode(int32_t progID, mrvk::Date date, const std::st
 
 namespace kvhost {
 
-void HostContext::ShowPicker(KvTxt& field, std::string&, mrvk::Variant&) {
-  mrvk::MsgBox("没有可用的选择列表：" + field.Config.PickerKey, mrvk::msgbox::kInformation, "");
+void HostContext::ShowPicker(KvTxt& field, std::string& text, mrvk::Variant& value) {
+  pickers_.ShowFieldPicker(field, text, value);
 }
 
 void HostContext::CheckPicker(KvTxt& field, const std::string& typed, mrvk::Variant& value,

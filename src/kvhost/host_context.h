@@ -7,6 +7,7 @@
 
 #include "kvhost/db/database.h"
 #include "kvhost/lib/kv_txt.h"
+#include "kvhost/pickers/picker_registry.h"
 #include "mrvk/frame/host_contract.h"
 
 namespace kvhost {
@@ -35,12 +36,12 @@ class HostContext : public mrvk::IHostContext,
   // "HT2012100001". See the definition for preview, typed numbers and concurrency.
   bool BillCode(int32_t progID, mrvk::Date date, std::string& code, bool preview) override;
   bool ReleaseBillCode(int32_t progID, mrvk::Date date, const std::string& code) override;
-  // The list of a field's picker key; without a list service for the key, a message box
-  // says so and the field stays as it was.
+  // The list of a field's picker key (PickerRegistry::ShowFieldPicker); without a list for
+  // the key, a message box says so and the field stays as it was.
   void ShowPicker(KvTxt& field, std::string& text, mrvk::Variant& value) override;
   void CheckPicker(KvTxt& field, const std::string& typed, mrvk::Variant& value,
                    std::string& text) override;
-  mrvk::IHostPicker* Picker(const std::string&) override { return nullptr; }
+  mrvk::IHostPicker* Picker(const std::string& key) override { return pickers_.Service(key); }
   mrvk::IHostPrintEngine* PrintEngine() override { return nullptr; }
   mrvk::IHostDialogHost* DialogHost() override { return nullptr; }
 
@@ -66,6 +67,7 @@ class HostContext : public mrvk::IHostContext,
   std::string app_path_;
   mrvk::Date login_date_;
   std::string last_error_;
+  PickerRegistry pickers_{*this};
 };
 
 }  // namespace kvhost

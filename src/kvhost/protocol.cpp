@@ -137,6 +137,9 @@ namespace {
 
 json Fail(const std::string& error) { return {{"ok", false}, {"error", error}}; }
 
+// True for the pending kinds of a modal form: an entry dialog or a picker's list.
+bool IsForm(const std::string& kind) { return kind == "dialog" || kind == "picker"; }
+
 // True when the request names the dialog that is shown ("dialog": true).
 bool ForDialog(const json& req) {
   auto it = req.find("dialog");
@@ -202,12 +205,12 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
     if (!Field(req, "op", op, error)) return Fail(error);
     {
       std::unique_lock lock(mu_);
-      if (pending_ && pending_->kind == "dialog" && (op == "gesture" || op == "state") &&
+      if (pending_ && IsForm(pending_->kind) && (op == "gesture" || op == "state") &&
           ForDialog(req))
         return RunInDialog(lock, req, op);
       if (pending_ && op != "answer")
         return Fail("a " + pending_->kind + " is waiting for an answer: send {\"op\":\"answer\"}" +
-                    (pending_->kind == "dialog"
+                    (IsForm(pending_->kind)
                          ? ", or gestures and state requests with \"dialog\":true"
                          : ""));
     }
@@ -253,7 +256,7 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
         std::unique_lock lock(mu_);
         auto events = host_ ? host_->take_events() : std::vector<HostEvent>{};
         pending_events_.insert(pending_events_.end(), events.begin(), events.end());
-        pending_ = Pending{"dialog", "", 0, dialog->Caption, ""};
+        pending_ = Pending{dialog->Kind(), "", 0, dialog->Caption, ""};
         ++pending_seq_;
         cv_.notify_all();
         cv_.wait(lock,
@@ -261,11 +264,12 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
         if (stopping_) throw Aborted();
         pending_.reset();
         if (answer_) {
-          answer_.reset();
-          task = [dialog] {
-            dialog->Close();
-            return json{{"ok", true}, {"result", nullptr}};
+          // The form takes the answer: a dialog closes, a picker chooses rows or cancels.
+          task = [dialog, value = std::move(*answer_)] {
+            const std::string why = dialog->Answer(value);
+            return why.empty() ? json{{"ok", true}, {"result", nullptr}} : Fail(why);
           };
+          answer_.reset();
         } else {
           task = std::move(*dialog_task_);
           dialog_task_.reset();
@@ -356,7 +360,7 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
               {"title", pending_->title}};
     if (pending_->kind == "inputbox") p["default"] = pending_->default_text;
     json answer = {{"ok", true}};
-    if (pending_->kind == "dialog") {
+    if (IsForm(pending_->kind)) {
       // The dialog's own state, and what the last request on it gave.
       json dialog = json::object();
       dialogs_.back()->WriteState(dialog);

@@ -56,6 +56,15 @@ const std::vector<TableDef>& HostTables() {
        {{"progID", ColType::Long}, {"period", ColType::Text}, {"lastno", ColType::Long}}},
       {"xt_newid",
        {{"tablename", ColType::Text}, {"keyname", ColType::Text}, {"lastid", ColType::Long}}},
+      // Who may sign in to the web client: the name, a salted slow hash of the password
+      // (kvhost/web/password.h), a disabled flag, and whether the password must be changed at
+      // the next sign-in (the administrator's one-time password).
+      {"xt_user",
+       {{"username", ColType::Text},
+        {"pwhash", ColType::Text},
+        {"disabled", ColType::Flag, "0"},
+        {"mustchange", ColType::Flag, "0"}},
+       "username"},
   };
   return tables;
 }

@@ -18,6 +18,11 @@ void Dialog::Close() {
   Hide();
 }
 
+std::string Dialog::Answer(const mrvk::Variant&) {
+  Close();
+  return "";
+}
+
 void Dialog::WriteState(nlohmann::json& out) const {
   out["name"] = name_;
   out["caption"] = Caption;

@@ -31,8 +31,14 @@ class Dialog : public mrvk::IModalForm {
   std::function<void()> Activate;
   std::function<void()> QueryUnload;
 
-  // {"name", "caption", "controls": [...]} for front ends.
-  void WriteState(nlohmann::json& out) const;
+  // What the form is for front ends: "dialog", or "picker" for a picker's list.
+  virtual std::string Kind() const { return "dialog"; }
+  // {"name", "caption", "controls": [...]} for front ends; a picker adds the rows it offers.
+  virtual void WriteState(nlohmann::json& out) const;
+  // A front end's answer to the shown form. A dialog takes any value as the close box
+  // (Close); a picker takes the indexes of the chosen rows, or null to cancel. Returns "" or
+  // why the answer was not taken (the form is then still shown).
+  virtual std::string Answer(const mrvk::Variant& value);
 
  private:
   std::string name_;

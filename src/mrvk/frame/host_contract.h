@@ -202,7 +202,7 @@ class IHostLastError {
   virtual std::string Text() const = 0;
 };
 
-class IHostPicker;  // the lookup service, with the pickers
+class IHostPicker;  // the lookup service of a key, mrvk/frame/picker_contract.h
 class IHostPrintEngine;
 class IHostDialogHost;
 
@@ -230,8 +230,10 @@ class IHostContext {
   // stays as typed.
   virtual void CheckPicker(kvhost::KvTxt& field, const std::string& typed, Variant& value,
                            std::string& text) = 0;
-  // The host services of later parts; nullptr until the host provides them.
+  // The picker service of a key ("selpdm", "sel_id_j", ...; picker_contract.h), shared by
+  // key; null for a key the host does not know.
   virtual IHostPicker* Picker(const std::string& key) = 0;
+  // The host services of later parts; nullptr until the host provides them.
   virtual IHostPrintEngine* PrintEngine() = 0;
   virtual IHostDialogHost* DialogHost() = 0;
 };

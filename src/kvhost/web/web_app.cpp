@@ -1,0 +1,506 @@
+#include "kvhost/web/web_app.h"
+
+#include <algorithm>
+#include <ctime>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <set>
+
+#include "kvhost/db/database.h"
+#include "kvhost/host.h"
+#include "kvhost/protocol.h"
+#include "kvhost/web/user_store.h"
+#include "mrvk/frame/vb.h"
+#include "mrvk/registry.h"
+
+namespace kvhost::web {
+namespace {
+
+using nlohmann::json;
+using Clock = std::chrono::steady_clock;
+
+constexpr size_t kTokenBytes = 32;
+// How often idle sessions are looked for.
+constexpr std::chrono::seconds kSweepEvery{60};
+
+WebResponse Refuse(int status, const std::string& error) {
+  return {status, {{"ok", false}, {"error", error}}, ""};
+}
+
+std::string Today() {
+  const std::time_t t = std::time(nullptr);
+  std::tm tm{};
+  localtime_r(&t, &tm);
+  return mrvk::Date::FromYmd(tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday).ToText();
+}
+
+// The value of one cookie of a Cookie header; "" when it is not there.
+std::string CookieValue(const std::string& header, const std::string& name) {
+  size_t pos = 0;
+  while (pos < header.size()) {
+    size_t end = header.find(';', pos);
+    if (end == std::string::npos) end = header.size();
+    std::string pair = header.substr(pos, end - pos);
+    const size_t first = pair.find_first_not_of(' ');
+    pair = first == std::string::npos ? "" : pair.substr(first);
+    const size_t eq = pair.find('=');
+    if (eq != std::string::npos && pair.substr(0, eq) == name) return pair.substr(eq + 1);
+    pos = end + 1;
+  }
+  return "";
+}
+
+std::string SessionCookie(const std::string& token) {
+  return std::string(kSessionCookie) + "=" + token + "; Path=/; HttpOnly; SameSite=Strict";
+}
+
+std::string ExpiredCookie() {
+  return std::string(kSessionCookie) + "=; Path=/; Max-Age=0; HttpOnly; SameSite=Strict";
+}
+
+bool StartsWithNoCase(const std::string& text, const std::string& prefix) {
+  if (text.size() < prefix.size()) return false;
+  for (size_t i = 0; i < prefix.size(); ++i) {
+    if (std::tolower(static_cast<unsigned char>(text[i])) != prefix[i]) return false;
+  }
+  return true;
+}
+
+// A member of a JSON object as a string; false when missing or not a string.
+bool StringField(const json& body, const char* name, std::string& out) {
+  auto it = body.find(name);
+  if (it == body.end() || !it->is_string()) return false;
+  out = it->get<std::string>();
+  return true;
+}
+
+bool IntField(const json& body, const char* name, int64_t& out) {
+  auto it = body.find(name);
+  if (it == body.end() || !(it->is_number_integer() || it->is_number_unsigned())) return false;
+  out = it->get<int64_t>();
+  return true;
+}
+
+std::string KindName(const std::string& class_name) {
+  const mrvk::ClassInfo* info = mrvk::FindClass(class_name);
+  if (!info) return "sheet";  // classes of our own (the test screens) are sheets
+  switch (info->kind) {
+    case mrvk::ClassKind::Report:
+      return "report";
+    case mrvk::ClassKind::Tool:
+      return "tool";
+    case mrvk::ClassKind::Picker:
+      return "picker";
+    default:
+      return "sheet";
+  }
+}
+
+// Whether the module can create the class now (classes come one by one).
+bool Creatable(const std::string& class_name) {
+  std::string error;
+  return mrvk::CreateObject(class_name, error) != nullptr;
+}
+
+}  // namespace
+
+// One signed-in browser: its own driver, and so its own interface thread and connection.
+struct WebSession {
+  std::string token;
+  std::string csrf;
+  std::string user;
+  std::string login_date;
+  std::string pwhash;  // as at sign-in; a change elsewhere ends the session
+  bool must_change = false;
+  // One request of the session at a time; the driver takes one request at a time.
+  std::mutex mu;
+  std::unique_ptr<ProtocolDriver> driver;
+  std::set<int> screens;
+  // The operation whose answer waits on a box ("open", "close", ...); "" when none.
+  std::string waiting_op;
+  Clock::time_point last_used = Clock::now();
+  Clock::time_point last_checked = Clock::now();
+};
+
+class WebApp::Impl {
+ public:
+  explicit Impl(WebConfig config) : config_(std::move(config)) {}
+
+  ~Impl() {
+    std::map<std::string, std::shared_ptr<WebSession>> gone;
+    {
+      std::lock_guard lock(sessions_mu_);
+      gone.swap(sessions_);
+    }
+  }
+
+  Status Start(std::string& one_time_password) {
+    std::string error;
+    // Two connections of the server's own: the users', and the menu's.
+    auto users_db = db::OpenDatabase(config_.database, error);
+    if (!users_db) return Status::Error(error);
+    database_ = db::OpenDatabase(config_.database, error);
+    if (!database_) return Status::Error(error);
+    // A new database gets its schema; an existing one is brought up to date.
+    Host host({.database = config_.database,
+               .user = kAdministrator,
+               .login_date = "",
+               .app_path = config_.app_path});
+    if (!host.status().ok()) return host.status();
+    if (Status s = host.create_schema(); !s.ok()) return s;
+    users_db_ = std::move(users_db);
+    users_ = std::make_unique<UserStore>(*users_db_, config_.hash_iterations);
+    return users_->EnsureAdministrator(one_time_password);
+  }
+
+  WebResponse Handle(const WebRequest& req) {
+    if (!users_) return Refuse(503, "the server is not started");
+    SweepIdleSessions();
+    const bool post = req.method == "POST";
+    if (!post && req.method != "GET") return Refuse(405, "only GET and POST are answered");
+    json body = json::object();
+    if (post) {
+      // A state-changing request comes from our own pages only: JSON, same origin.
+      if (!req.origin.empty() && req.origin != "http://" + req.host &&
+          req.origin != "https://" + req.host)
+        return Refuse(403, "a request from another origin is refused");
+      if (!StartsWithNoCase(req.content_type, "application/json"))
+        return Refuse(415, "requests are JSON (Content-Type: application/json)");
+      try {
+        body = json::parse(req.body);
+      } catch (const json::parse_error& e) {
+        return Refuse(400, std::string("the request is not JSON: ") + e.what());
+      }
+      if (!body.is_object()) return Refuse(400, "a request is a JSON object");
+    }
+    const std::string& path = req.path;
+    if (path == "/api/signin") return post ? SignIn(req, body) : Refuse(405, "use POST");
+    auto route = [&](bool want_post) -> std::optional<WebResponse> {
+      if (post != want_post) return Refuse(405, want_post ? "use POST" : "use GET");
+      return std::nullopt;
+    };
+    if (path != "/api/session" && path != "/api/signout" && path != "/api/password" &&
+        path != "/api/menu" && path != "/api/protocol")
+      return Refuse(404, "no such API: " + path);
+    if (auto r =
+            route(path == "/api/signout" || path == "/api/password" || path == "/api/protocol"))
+      return *r;
+
+    std::shared_ptr<WebSession> session = FindSession(CookieValue(req.cookie, kSessionCookie));
+    if (!session) {
+      WebResponse r = Refuse(401, "未登录或登录已过期，请重新登录");
+      if (!req.cookie.empty() && !CookieValue(req.cookie, kSessionCookie).empty())
+        r.set_cookie = ExpiredCookie();
+      return r;
+    }
+    if (post && !SameSecret(req.csrf, session->csrf))
+      return Refuse(403,
+                    std::string("the request token (") + kCsrfHeader + ") is missing or wrong");
+    std::unique_lock lock(session->mu);
+    session->last_used = Clock::now();
+    if (!UserStillValid(*session)) {
+      lock.unlock();
+      EndSession(session->token);
+      WebResponse r = Refuse(401, "登录已失效，请重新登录");
+      r.set_cookie = ExpiredCookie();
+      return r;
+    }
+    if (path == "/api/session") return {200, SessionJson(*session), ""};
+    if (path == "/api/signout") {
+      lock.unlock();
+      EndSession(session->token);
+      WebResponse r{200, {{"ok", true}}, ExpiredCookie()};
+      return r;
+    }
+    if (path == "/api/password") return ChangePassword(*session, body);
+    if (session->must_change) return Refuse(403, "请先修改初始密码");
+    if (path == "/api/menu") return MenuAnswer();
+    return Protocol(*session, body);
+  }
+
+  std::vector<MenuEntry> Menu(std::string& error) {
+    std::vector<MenuEntry> out;
+    {
+      std::lock_guard lock(db_mu_);
+      db::ResultSet rs;
+      if (!database_->Query(
+              "select a.progID,a.menuname,a.menugroup,a.sortno,b.classname from xt_menu a "
+              "inner join xt_objects b on a.progID=b.progID order by a.progID",
+              rs)) {
+        error = database_->Error().Description();
+        return out;
+      }
+      for (size_t r = 0; r < rs.rows(); ++r) {
+        const mrvk::Variant* row = &rs.values[r * rs.columns.size()];
+        out.push_back({static_cast<int32_t>(row[0].ToLong()), row[1].ToString(), row[2].ToString(),
+                       row[4].ToString(), static_cast<int>(row[3].ToLong())});
+      }
+    }
+    out.insert(out.end(), config_.extra_menu.begin(), config_.extra_menu.end());
+    return out;
+  }
+
+  size_t SessionCount() const {
+    std::lock_guard lock(sessions_mu_);
+    return sessions_.size();
+  }
+
+ private:
+  json SessionJson(const WebSession& s) const {
+    return {{"ok", true},
+            {"user", s.user},
+            {"login_date", s.login_date},
+            {"csrf", s.csrf},
+            {"must_change", s.must_change}};
+  }
+
+  WebResponse SignIn(const WebRequest& req, const json& body) {
+    std::string user, password, login_date;
+    if (!StringField(body, "user", user) || !StringField(body, "password", password))
+      return Refuse(400, "a sign-in names \"user\" and \"password\"");
+    if (body.contains("login_date") && !body["login_date"].is_null() &&
+        !StringField(body, "login_date", login_date))
+      return Refuse(400, "\"login_date\" is a date text (yyyy-mm-dd)");
+    if (login_date.empty()) {
+      login_date = Today();
+    } else {
+      auto d = mrvk::ParseDate(login_date);
+      if (!d) return Refuse(400, "登录日期不是有效日期：" + login_date);
+      login_date = d->ToText();
+    }
+    UserRecord record;
+    std::string error;
+    switch (users_->SignIn(user, password, record, error)) {
+      case UserStore::Check::Ok:
+        break;
+      case UserStore::Check::Refused:
+        return Refuse(401, "用户名或密码错误");
+      case UserStore::Check::Disabled:
+        return Refuse(403, "该用户已停用");
+      case UserStore::Check::Failed:
+        return Refuse(500, "cannot read the users: " + error);
+    }
+    // A new sign-in never reuses a session the browser had.
+    if (std::string old = CookieValue(req.cookie, kSessionCookie); !old.empty()) EndSession(old);
+    auto s = std::make_shared<WebSession>();
+    s->token = RandomHex(kTokenBytes);
+    s->csrf = RandomHex(kTokenBytes);
+    s->user = record.name;
+    s->login_date = login_date;
+    s->pwhash = record.hash;
+    s->must_change = record.must_change;
+    {
+      std::lock_guard lock(sessions_mu_);
+      sessions_[s->token] = s;
+    }
+    return {200, SessionJson(*s), SessionCookie(s->token)};
+  }
+
+  WebResponse ChangePassword(WebSession& s, const json& body) {
+    std::string old_password, new_password;
+    if (!StringField(body, "old", old_password) || !StringField(body, "new", new_password))
+      return Refuse(400, "a password change names \"old\" and \"new\"");
+    UserRecord record;
+    std::string error;
+    if (users_->SignIn(s.user, old_password, record, error) != UserStore::Check::Ok)
+      return Refuse(403, error.empty() ? "原密码不正确" : error);
+    if (!PasswordProblem(new_password).empty())
+      return Refuse(400, "新密码至少" + std::to_string(kMinPasswordLength) + "个字符");
+    if (new_password == old_password) return Refuse(400, "新密码不能与原密码相同");
+    if (Status st = users_->SetPassword(s.user, new_password); !st.ok())
+      return Refuse(500, st.message());
+    if (!users_->Find(s.user, record, error)) return Refuse(500, "cannot read the user: " + error);
+    s.pwhash = record.hash;
+    s.must_change = false;
+    return {200, SessionJson(s), ""};
+  }
+
+  WebResponse MenuAnswer() {
+    std::string error;
+    std::vector<MenuEntry> entries = Menu(error);
+    if (!error.empty()) return Refuse(500, "cannot read the menu: " + error);
+    // Groups in the order of their first function key; entries by their order number.
+    std::vector<std::string> order;
+    std::map<std::string, std::vector<MenuEntry>> groups;
+    for (const MenuEntry& e : entries) {
+      if (!groups.count(e.group)) order.push_back(e.group);
+      groups[e.group].push_back(e);
+    }
+    std::map<std::string, bool> ready;
+    json out = json::array();
+    for (const std::string& g : order) {
+      auto& list = groups[g];
+      std::stable_sort(list.begin(), list.end(), [](const MenuEntry& a, const MenuEntry& b) {
+        return a.sortno != b.sortno ? a.sortno < b.sortno : a.progID < b.progID;
+      });
+      json items = json::array();
+      for (const MenuEntry& e : list) {
+        if (!ready.count(e.class_name)) ready[e.class_name] = Creatable(e.class_name);
+        items.push_back({{"progID", e.progID},
+                         {"name", e.name},
+                         {"class", e.class_name},
+                         {"kind", KindName(e.class_name)},
+                         {"ready", ready[e.class_name]}});
+      }
+      out.push_back({{"name", g}, {"entries", std::move(items)}});
+    }
+    return {200, {{"ok", true}, {"groups", std::move(out)}}, ""};
+  }
+
+  bool FindEntry(int32_t progID, MenuEntry& out, std::string& error) {
+    for (const MenuEntry& e : Menu(error)) {
+      if (e.progID == progID) {
+        out = e;
+        return true;
+      }
+    }
+    return false;
+  }
+
+  WebResponse Protocol(WebSession& s, const json& req) {
+    std::string op;
+    if (!StringField(req, "op", op)) return Refuse(400, "missing field \"op\"");
+    if (op == "session" || op == "sql")
+      return Refuse(403, "the op \"" + op +
+                             "\" is not available in the web client: the server opens the "
+                             "session on its own database and answers the menu (GET /api/menu)");
+    static const std::set<std::string> kOps = {"open",   "call",  "gesture", "state",
+                                               "answer", "close", "tool"};
+    if (!kOps.count(op)) return Refuse(400, "unknown op \"" + op + "\"");
+    json forward = req;
+    if (op == "open" || op == "tool") {
+      int64_t prog = 0;
+      if (!IntField(req, "progID", prog)) return Refuse(400, "\"" + op + "\" names a progID");
+      MenuEntry entry;
+      std::string error;
+      if (!FindEntry(static_cast<int32_t>(prog), entry, error)) {
+        if (!error.empty()) return Refuse(500, "cannot read the menu: " + error);
+        return Refuse(404, "no menu entry " + std::to_string(prog));
+      }
+      std::string named;
+      if (StringField(req, "class", named) && named != entry.class_name)
+        return Refuse(400, "progID " + std::to_string(prog) + " is served by " + entry.class_name +
+                               ", not " + named);
+      const bool is_tool = KindName(entry.class_name) == "tool";
+      if (is_tool != (op == "tool"))
+        return Refuse(400, entry.class_name + (is_tool ? " is a tool: run it with \"tool\""
+                                                       : " is a screen: open it with \"open\""));
+      forward["class"] = entry.class_name;
+    }
+    auto dialog = req.find("dialog");
+    const bool for_dialog = dialog != req.end() && dialog->is_boolean() && dialog->get<bool>();
+    if (op == "call" || op == "close" || ((op == "gesture" || op == "state") && !for_dialog)) {
+      int64_t screen = 0;
+      if (!IntField(req, "screen", screen)) return Refuse(400, "\"" + op + "\" names a screen");
+      if (!s.screens.count(static_cast<int>(screen)))
+        return Refuse(404, "no screen " + std::to_string(screen) + " is open in this session");
+    }
+    if (!s.driver) {
+      if (Status st = OpenDriver(s); !st.ok()) return Refuse(500, st.message());
+    }
+    json answer = s.driver->Handle(forward);
+    const bool ok = answer.value("ok", false);
+    if (answer.contains("pending")) {
+      if (op != "answer") s.waiting_op = op;
+    } else {
+      // The answer that ends an operation: its own, or the one a box held up.
+      const std::string ended = op == "answer" ? s.waiting_op : op;
+      if (op == "answer") s.waiting_op.clear();
+      if (ok && ended == "open" && answer["result"].is_number_integer())
+        s.screens.insert(answer["result"].get<int>());
+      if (ok && ended == "close" && op == "close") s.screens.erase(req["screen"].get<int>());
+    }
+    return {ok ? 200 : 422, std::move(answer), ""};
+  }
+
+  Status OpenDriver(WebSession& s) {
+    auto driver = std::make_unique<ProtocolDriver>();
+    json a = driver->Handle({{"op", "session"},
+                             {"database", config_.database},
+                             {"user", s.user},
+                             {"login_date", s.login_date},
+                             {"app_path", config_.app_path}});
+    if (!a.value("ok", false))
+      return Status::Error("cannot open the session: " + a.value("error", std::string()));
+    s.driver = std::move(driver);
+    return Status::Ok();
+  }
+
+  // Whether the session's user may still work: not removed, not disabled, same password.
+  bool UserStillValid(WebSession& s) {
+    const auto now = Clock::now();
+    if (now - s.last_checked < config_.recheck_user) return true;
+    UserRecord record;
+    std::string error;
+    if (!users_->Find(s.user, record, error)) return !error.empty();  // keep it on a glitch
+    s.last_checked = now;
+    return !record.disabled && record.hash == s.pwhash;
+  }
+
+  std::shared_ptr<WebSession> FindSession(const std::string& token) {
+    if (token.empty()) return nullptr;
+    std::lock_guard lock(sessions_mu_);
+    auto it = sessions_.find(token);
+    return it == sessions_.end() ? nullptr : it->second;
+  }
+
+  // Ends a session; its driver closes its screens once no request uses it any more.
+  void EndSession(const std::string& token) {
+    std::shared_ptr<WebSession> gone;
+    std::lock_guard lock(sessions_mu_);
+    auto it = sessions_.find(token);
+    if (it == sessions_.end()) return;
+    gone = std::move(it->second);
+    sessions_.erase(it);
+  }
+
+  void SweepIdleSessions() {
+    const auto now = Clock::now();
+    std::vector<std::shared_ptr<WebSession>> gone;
+    {
+      std::lock_guard lock(sessions_mu_);
+      if (now - last_sweep_ < kSweepEvery) return;
+      last_sweep_ = now;
+      for (auto it = sessions_.begin(); it != sessions_.end();) {
+        std::unique_lock busy(it->second->mu, std::try_to_lock);
+        if (busy && now - it->second->last_used > config_.idle_limit) {
+          busy.unlock();
+          gone.push_back(std::move(it->second));
+          it = sessions_.erase(it);
+        } else {
+          ++it;
+        }
+      }
+    }
+    // The drivers close their screens here, outside the lock.
+  }
+
+  WebConfig config_;
+  std::unique_ptr<db::Database> database_;
+  std::mutex db_mu_;  // one menu read at a time on database_
+  std::unique_ptr<db::Database> users_db_;
+  std::unique_ptr<UserStore> users_;
+  mutable std::mutex sessions_mu_;
+  std::map<std::string, std::shared_ptr<WebSession>> sessions_;
+  Clock::time_point last_sweep_ = Clock::now();
+};
+
+WebApp::WebApp(WebConfig config) : impl_(std::make_unique<Impl>(std::move(config))) {}
+WebApp::~WebApp() = default;
+
+Status WebApp::Start(std::string& one_time_password) { return impl_->Start(one_time_password); }
+
+WebResponse WebApp::Handle(const WebRequest& request) {
+  try {
+    return impl_->Handle(request);
+  } catch (const std::exception& e) {
+    return Refuse(500, std::string("internal error: ") + e.what());
+  }
+}
+
+std::vector<MenuEntry> WebApp::Menu(std::string& error) { return impl_->Menu(error); }
+
+size_t WebApp::SessionCount() const { return impl_->SessionCount(); }
+
+}  // namespace kvhost::web

@@ -1,0 +1,94 @@
+// The web client's server side without the HTTP transport: sign-in and sessions, the menu,
+// and the screen protocol bound to each session's own driver. web_server.* puts it behind
+// cpp-httplib; tests call Handle directly or over HTTP.
+//
+// API (every body is JSON; every answer carries "ok" and, when not ok, "error"):
+//   POST /api/signin    {"user","password","login_date"?}  sets the session cookie; answers
+//                       user, login_date, csrf (the request token) and must_change
+//   GET  /api/session   the signed-in session as above, or 401
+//   POST /api/signout   ends the session
+//   POST /api/password  {"old","new"}: a new password (required first when must_change)
+//   GET  /api/menu      the menu: xt_menu joined with xt_objects, in groups
+//   POST /api/protocol  one request of the screen protocol, one answer
+// Every POST but signin needs the session cookie and the header X-CSRF-Token with the token
+// of the sign-in; a POST from another origin is refused. The browser never names a database:
+// "session" and "sql" are refused, "open" and "tool" name a progID of the menu and the server
+// finds the class, and "call", "gesture", "state" and "close" name a screen of the session.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "kvhost/status.h"
+#include "kvhost/web/password.h"
+
+namespace kvhost::web {
+
+struct MenuEntry {
+  int32_t progID = 0;
+  std::string name;
+  std::string group;
+  std::string class_name;
+  int sortno = 0;
+};
+
+struct WebConfig {
+  std::string database;  // the server's database URL; every session works on it
+  std::string app_path = ".";
+  int hash_iterations = kDefaultHashIterations;
+  // A session unused this long is closed with its screens.
+  std::chrono::minutes idle_limit{8 * 60};
+  // How often a session checks that its user is still enabled with the same password.
+  std::chrono::seconds recheck_user{60};
+  // Entries shown besides those of xt_menu (the test server's screens).
+  std::vector<MenuEntry> extra_menu;
+};
+
+struct WebRequest {
+  std::string method;  // "GET", "POST", ...
+  std::string path;    // "/api/protocol"
+  std::string body;
+  std::string content_type;
+  std::string cookie;  // the Cookie header
+  std::string csrf;    // the X-CSRF-Token header
+  std::string origin;  // the Origin header; "" when the browser sent none
+  std::string host;    // the Host header
+};
+
+struct WebResponse {
+  int status = 200;
+  nlohmann::json body;
+  std::string set_cookie;  // a Set-Cookie value; "" for none
+};
+
+inline constexpr const char* kSessionCookie = "mrvk_session";
+inline constexpr const char* kCsrfHeader = "X-CSRF-Token";
+
+class WebApp {
+ public:
+  explicit WebApp(WebConfig config);
+  ~WebApp();
+  WebApp(const WebApp&) = delete;
+  WebApp& operator=(const WebApp&) = delete;
+
+  // Opens the server's database (creating the schema when it is new) and, on a database
+  // without users, the administrator: its one-time password is given here, once.
+  Status Start(std::string& one_time_password);
+
+  // Answers one request of the API. Never throws.
+  WebResponse Handle(const WebRequest& request);
+
+  // The menu entries, xt_menu's and the extra ones, by progID.
+  std::vector<MenuEntry> Menu(std::string& error);
+  size_t SessionCount() const;
+
+ private:
+  class Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace kvhost::web

@@ -1,0 +1,58 @@
+// `mrvk serve`'s HTTP server: the API of WebApp under /api/ and the browser client's static
+// files (web/static) under /, on cpp-httplib. Connections are served by a pool of threads;
+// a request never waits for a person (a box the logic shows is answered "pending" at once),
+// so a clerk reading a question holds no thread.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <string>
+
+#include "kvhost/status.h"
+#include "kvhost/web/web_app.h"
+
+namespace kvhost::web {
+
+struct ServeOptions {
+  WebConfig app;
+  std::string bind = "127.0.0.1";
+  int port = 8080;         // 0: any free port
+  std::string static_dir;  // "" for FindStaticDir()
+  // Threads serving connections. A browser keeps up to six connections open, each holding a
+  // thread while it is kept alive, so the pool is sized for several browsers per core.
+  int threads = 64;
+};
+
+// The folder of the browser client: beside the executable (web/static), else the source
+// tree's src/kvhost/web/static. "" when neither holds index.html.
+std::string FindStaticDir();
+
+class WebServer {
+ public:
+  explicit WebServer(ServeOptions options);
+  ~WebServer();
+  WebServer(const WebServer&) = delete;
+  WebServer& operator=(const WebServer&) = delete;
+
+  // Starts the application (see WebApp::Start) and binds the port.
+  Status Start(std::string& one_time_password);
+  int port() const { return port_; }
+  const std::string& static_dir() const { return static_dir_; }
+  WebApp& app() { return *app_; }
+
+  // Serves until Stop (from any thread).
+  void Run();
+  void Stop();
+
+ private:
+  class Transport;
+  ServeOptions options_;
+  std::string static_dir_;
+  std::unique_ptr<WebApp> app_;
+  std::unique_ptr<Transport> transport_;
+  int port_ = 0;
+  std::atomic<bool> running_{false};
+  std::atomic<bool> stop_requested_{false};
+};
+
+}  // namespace kvhost::web
