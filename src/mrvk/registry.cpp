@@ -3,8 +3,10 @@
 #include <map>
 #include <mutex>
 
+#include "mrvk/master/pdm_fykm.h"
 #include "mrvk/master/pdm_ly.h"
 #include "mrvk/master/pdm_wy.h"
+#include "mrvk/master/pdm_yz.h"
 
 namespace mrvk {
 
@@ -49,6 +51,8 @@ struct Factories {
 void RegisterModuleClasses(Factories& f) {
   f.by_name["PDMLy"] = [] { return NewPDMLy(); };
   f.by_name["PDMWy"] = [] { return NewPDMWy(); };
+  f.by_name["PDMYz"] = [] { return NewPDMYz(); };
+  f.by_name["PDMFykm"] = [] { return NewPDMFykm(); };
 }
 
 Factories& Registered() {

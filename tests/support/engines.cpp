@@ -28,6 +28,9 @@ std::string TestPgUrl() {
 void EngineTest::SetUp() {
   const int n = ++g_counter;
   const std::string tag = std::to_string(getpid()) + "_" + std::to_string(n);
+  // Each test has its own program folder, so layout files of one test never reach another.
+  app_path_ = (std::filesystem::temp_directory_path() / ("mrvk_test_app_" + tag)).string();
+  std::filesystem::remove_all(app_path_);
   if (is_pg()) {
     const std::string base = TestPgUrl();
     if (base.empty()) {
@@ -63,13 +66,14 @@ void EngineTest::TearDown() {
   if (!sqlite_file_.empty()) {
     for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(sqlite_file_ + suffix);
   }
+  std::error_code ignored;
+  std::filesystem::remove_all(app_path_, ignored);
 }
 
 std::unique_ptr<kvhost::Host> EngineTest::NewHost() const {
-  const auto app = std::filesystem::temp_directory_path() / "mrvk_test_app";
-  std::filesystem::create_directories(app);
+  std::filesystem::create_directories(app_path_);
   return std::make_unique<kvhost::Host>(kvhost::HostConfig{
-      .database = url_, .user = "张三", .login_date = "2012-10-11", .app_path = app.string()});
+      .database = url_, .user = "张三", .login_date = "2012-10-11", .app_path = app_path_});
 }
 
 void EngineTest::Exec(const std::string& sql) {

@@ -19,9 +19,12 @@ class EngineTest : public ::testing::TestWithParam<const char*> {
   void TearDown() override;
 
   bool is_pg() const { return std::string(GetParam()) == "postgres"; }
+  // The host's program folder; layout files go below it.
+  const std::string& app_path() const { return app_path_; }
   // The database URL of this test; its schema is created in SetUp.
   const std::string& url() const { return url_; }
-  // The test's host on url() (user 张三, login date 2012-10-11, app path a temp folder).
+  // The test's host on url() (user 张三, login date 2012-10-11, app path a temp folder of
+  // its own).
   kvhost::Host& host() { return *host_; }
   kvhost::db::Database& db() { return host_->database(); }
   // Another host on the same database, as a second clerk would have.
@@ -35,6 +38,7 @@ class EngineTest : public ::testing::TestWithParam<const char*> {
 
  private:
   std::string url_;
+  std::string app_path_;
   std::string sqlite_file_;
   std::string pg_schema_;
   std::unique_ptr<kvhost::Host> host_;

@@ -1,6 +1,7 @@
 #include "mrvk/master/tree_master_sheet.h"
 
 #include "mrvk/frame/data_access.h"
+#include "mrvk/frame/grid_layout.h"
 #include "mrvk/frame/vb.h"
 
 namespace mrvk {
@@ -373,10 +374,14 @@ bool TreeMasterSheet::RecordNext() {
 }
 
 void TreeMasterSheet::DoGetFormStatus() {
+  sbGetFormStatus(LayoutPath(design_.class_name, *context_), /*pbOnlyColWidth=*/true, controls_,
+                  *context_);
   if (kvhost::TreeNode* node = TV.SelectedItem()) TreeSelected(node);
 }
 
-void TreeMasterSheet::DoSaveFormStatus() {}
+void TreeMasterSheet::DoSaveFormStatus() {
+  sbSaveFormStatus(LayoutPath(design_.class_name, *context_), /*pbOnlyColWidth=*/true, controls_);
+}
 
 bool TreeMasterSheet::Clear() {
   tree_.ClearTreeView();

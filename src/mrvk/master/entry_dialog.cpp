@@ -1,0 +1,149 @@
+#include "mrvk/master/entry_dialog.h"
+
+#include "mrvk/frame/data_access.h"
+#include "mrvk/frame/vb.h"
+
+namespace mrvk {
+
+EntryDialog::EntryDialog(std::string name, EntryTable table)
+    : kvhost::Dialog(std::move(name)), table_(std::move(table)) {}
+
+kvhost::KvTxt& EntryDialog::AddField(int index, const std::string& caption) {
+  kvhost::KvTxt& field = kvTxt.Add(Controls(), index);
+  field.Caption = caption;
+  return field;
+}
+
+void EntryDialog::AddButtons() {
+  Cmd.Add(Controls(), 0).Caption = "保存(&S)";
+  Cmd.Add(Controls(), 1).Caption = "关闭(&X)";
+  Cmd[0].Click = [this] { DoSave(); };
+  Cmd[1].Click = [this] { Hide(); };
+}
+
+void EntryDialog::Run(IHostContext& context, int32_t id, bool view_only,
+                      const std::string& caption) {
+  context_ = &context;
+  bill_ = std::make_unique<kvhost::BillData>();
+  bill_->Database(&context.Database());
+  tools_ = std::make_unique<kvhost::FormTools>(Controls());
+  convert_ = std::make_unique<kvhost::Convert>();
+  id_ = id;
+  Caption = caption;
+  // Each run starts from empty fields, as a freshly loaded form does.
+  ClearFields();
+  if (id_ > 0) {
+    IHostDatabase& db = context.Database();
+    {
+      auto rs = db.CreateCommand("select * from " + table_.table + " where " + table_.key_column +
+                                     "=" + std::to_string(id_),
+                                 1)
+                    ->OpenRecordset();
+      if (!(rs->Eof() && rs->Bof())) UpdateForm(*rs);
+    }
+    db.Release();
+  }
+  SetEditable(!view_only);
+  Show();
+  context_ = nullptr;
+  bill_.reset();
+  tools_.reset();
+  convert_.reset();
+}
+
+std::string EntryDialog::ColumnText(Recordset& rs, const std::string& column) {
+  return convert_->ToText(rs.Fields(column).Value);
+}
+
+void EntryDialog::SetEditable(bool flag) {
+  for (kvhost::Control* c : Controls()) {
+    const std::string& type = c->TypeName();
+    if (type == "TextBox" || type == "kvTxt_S" || type == "ComboBox" || type == "CheckBox")
+      c->Enabled = flag;
+    else if (type == "TreeView" || type == "ListView")
+      c->Enabled = !flag;
+  }
+  Cmd[0].Enabled = flag;
+}
+
+void EntryDialog::ClearFields() {
+  for (auto& [index, field] : kvTxt) {
+    field->Text = "";
+    field->Value = Variant(0);
+  }
+}
+
+void EntryDialog::ReportError(const std::string& text, int level, const std::string& title) const {
+  if (OnErrMessage) OnErrMessage(text, level, title);
+}
+
+bool EntryDialog::IsTaken(const std::string& column, const std::string& text) {
+  const std::string found =
+      ScalarText(context_->Database(), "select " + table_.key_column + " from " + table_.table +
+                                           " where " + column + "=" + SqlQuoted(text) + " and " +
+                                           table_.key_column + "<>" + std::to_string(id_));
+  context_->Database().Release();
+  return !found.empty();
+}
+
+bool EntryDialog::IsCanSave() {
+  try {
+    for (int i : {0, 1}) {
+      if (FieldText(i).empty()) {
+        ReportError("没有具体的" + Trim(kvTxt[i].Caption) + ",请录入!", err_level::kValidation,
+                    "提示：");
+        tools_->SetFocus(kvTxt[i]);
+        return false;
+      }
+    }
+    if (IsTaken(table_.code_column, FieldText(0))) {
+      ReportError(Trim(kvTxt[0].Caption) + "重复,请检查!", err_level::kValidation, "提示：");
+      tools_->SetFocus(kvTxt[0]);
+      return false;
+    }
+    // This title has no colon.
+    if (IsTaken(table_.name_column, FieldText(1))) {
+      ReportError(Trim(kvTxt[1].Caption) + "重复,请检查!", err_level::kValidation, "提示");
+      tools_->SetFocus(kvTxt[1]);
+      return false;
+    }
+    return true;
+  } catch (const std::exception& e) {
+    ReportError("IsCanSave:" + std::string(e.what()), err_level::kValidation, Caption);
+    return false;
+  }
+}
+
+void EntryDialog::DoSave() {
+  try {
+    if (!IsCanSave()) return;
+    IHostDatabase& db = context_->Database();
+    int32_t id = id_;
+    std::string sql;
+    if (id_ > 0) {
+      sql = UpdateSql(id_);
+    } else {
+      const std::string why = bill_->NewID(table_.table, table_.key_column, id);
+      if (!why.empty()) {
+        ReportError(why, err_level::kDatabase, "提示：");
+        return;
+      }
+      sql = InsertSql(id);
+    }
+    db.CreateCommand(sql, 1)->Execute();
+    const std::string error = db.Error().Description();
+    db.Release();
+    if (!error.empty()) {
+      MsgBox(error, msgbox::kCritical, "提示:");
+      return;
+    }
+    const bool is_new = id_ <= 0;
+    id_ = id;
+    if (OnReturnData) OnReturnData(id, is_new);
+    Hide();
+  } catch (const std::exception& e) {
+    ReportError("DoSave:" + std::string(e.what()), err_level::kValidation, Caption);
+  }
+}
+
+}  // namespace mrvk

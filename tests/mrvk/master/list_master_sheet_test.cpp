@@ -1,0 +1,379 @@
+// Owners, clients and fee categories, driven as a clerk drives them: toolbar operations, clicks
+// on the grid, and the entry dialog worked through its fields and buttons, on both engines.
+// Assertions are on what the clerk sees (grid rows, dialog fields, reports, boxes) and on what
+// the database holds.
+#include "mrvk/master/list_master_sheet.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "kvhost/lib/kv_txt.h"
+#include "mrvk/master/pdm_fykm.h"
+#include "mrvk/master/pdm_yz.h"
+#include "support/engines.h"
+
+namespace mrvk {
+namespace {
+
+using kvhost::Dialog;
+using kvhost::Gesture;
+using kvhost::HostEvent;
+
+constexpr int32_t kOwners = 870004;
+constexpr int32_t kClients = 870005;
+
+class ListMasterSheetTest : public kvtest::EngineTest {
+ protected:
+  void Open(const char* cls, int32_t prog) {
+    screen_ = host().open(cls, prog, 0);
+    ASSERT_NE(screen_, nullptr) << host().last_error();
+    sheet_ = dynamic_cast<ListMasterSheet*>(screen_->object.get());
+    ASSERT_NE(sheet_, nullptr);
+    host().take_events();
+  }
+  bool Call(const std::string& method, std::vector<Variant> args = {}) {
+    Variant result;
+    kvhost::Status st = host().invoke(*screen_, method, args, result);
+    EXPECT_TRUE(st.ok()) << method << ": " << st.message();
+    return st.ok() && result.AsBool();
+  }
+  // A click on a data row of the grid (1 is the first).
+  void ClickRow(int row) {
+    kvhost::Status st =
+        host().gesture(*screen_, "Vs", -1, {.kind = "cell_click", .row = row, .col = 1});
+    EXPECT_TRUE(st.ok()) << st.message();
+  }
+  // The texts of the grid's data rows, shown columns from 0 joined by "|".
+  std::vector<std::string> Rows() {
+    std::vector<std::string> out;
+    kvhost::VsFlexGrid& vs = sheet_->Vs;
+    for (int r = vs.FixedRows(); r < vs.Rows(); ++r) {
+      std::string line;
+      for (int c = 0; c < vs.Cols(); ++c) {
+        if (vs.ColHidden(c)) continue;
+        line += (c ? "|" : "") + vs.TextMatrix(r, c);
+      }
+      out.push_back(line);
+    }
+    return out;
+  }
+  // The ErrMessage reports raised since the last look, "text|level|title".
+  std::vector<std::string> Reports() {
+    std::vector<std::string> out;
+    for (const HostEvent& e : host().take_events()) {
+      if (e.event.name == "ErrMessage")
+        out.push_back(e.event.args[0].ToString() + "|" + e.event.args[1].ToString() + "|" +
+                      e.event.args[2].ToString());
+    }
+    return out;
+  }
+
+  // What a clerk does on the next dialog: types into fields, clicks buttons, and records
+  // what the dialog showed when it opened.
+  struct Step {
+    std::string control;
+    int index;
+    Gesture gesture;
+  };
+  struct Seen {
+    std::string caption;
+    std::vector<std::string> texts;  // kvTxt(0..) as shown on opening
+    bool female = false;
+    bool save_enabled = false;
+  };
+  void OnDialog(std::vector<Step> steps, Seen* seen = nullptr) {
+    host().ui().dialogs.push_back([this, steps = std::move(steps), seen](Dialog& d) {
+      auto& form = dynamic_cast<EntryDialog&>(d);
+      if (seen) {
+        *seen = Seen{};
+        seen->caption = d.Caption;
+        for (auto& [index, field] : form.kvTxt) seen->texts.push_back(field->Text);
+        if (auto* yz = dynamic_cast<FrmYz*>(&d)) seen->female = yz->optXB[1].Value;
+        seen->save_enabled = form.Cmd[0].Enabled;
+      }
+      for (const Step& s : steps) {
+        kvhost::Status st = host().gesture(d.Controls(), d.Name(), s.control, s.index, s.gesture);
+        EXPECT_TRUE(st.ok()) << s.control << "(" << s.index << "): " << st.message();
+        if (!d.IsShown()) break;
+      }
+    });
+  }
+  static Step TypeIn(int index, const std::string& text) {
+    return {"kvTxt", index, {.kind = "type", .text = text}};
+  }
+  static Step Leave(int index) { return {"kvTxt", index, {.kind = "leave"}}; }
+  static Step Click(const std::string& control, int index) {
+    return {control, index, {.kind = "click"}};
+  }
+  static Step Save() { return Click("Cmd", 0); }
+  static Step Close() { return Click("Cmd", 1); }
+
+  void AddParty(int id, const std::string& code, const std::string& name, int type) {
+    Exec("insert into fwyz (业主ID,业主编号,业主名称,性别,类型) values (" + std::to_string(id) +
+         ",'" + code + "','" + name + "','男'," + std::to_string(type) + ")");
+  }
+
+  kvhost::Screen* screen_ = nullptr;
+  ListMasterSheet* sheet_ = nullptr;
+};
+
+TEST_P(ListMasterSheetTest, OwnersUnderTheOwnersKeyAndClientsUnderAnyOtherKey) {
+  AddParty(1, "Y02", "王五", 0);
+  AddParty(2, "Y01", "赵六", 0);
+  AddParty(3, "K01", "钱七", 1);
+  for (int32_t prog : {kClients, 0}) {
+    Open("PDMYz", prog);
+    EXPECT_EQ(Rows(), (std::vector<std::string>{"1|K01|钱七|男|||||"})) << prog;
+  }
+  Open("PDMYz", kOwners);
+  // By code, numbered, the ID column hidden.
+  EXPECT_EQ(Rows(), (std::vector<std::string>{"1|Y01|赵六|男|||||", "2|Y02|王五|男|||||"}));
+  EXPECT_EQ(sheet_->Vs.Cols(), 10);
+  EXPECT_TRUE(sheet_->Vs.ColHidden(9));
+  EXPECT_EQ(sheet_->Vs.TextMatrix(1, 9), "2");
+  EXPECT_EQ(sheet_->Vs.TextMatrix(0, 2), "姓名");
+
+  // Refresh says what it does and tells the host it refreshed.
+  ASSERT_TRUE(Call("Refresh"));
+  std::vector<std::string> seen;
+  for (const HostEvent& e : host().take_events())
+    seen.push_back(e.event.name + ":" + (e.event.args.empty() ? "" : e.event.args[0].ToString()));
+  EXPECT_EQ(seen, (std::vector<std::string>{"Message:正在加载数据", "FormRefreshed:", "Message:"}));
+
+  // The sheet has no edit state and no navigation.
+  EXPECT_FALSE(Call("FileSave"));
+  EXPECT_FALSE(Call("RecordNext"));
+  EXPECT_FALSE(sheet_->IsDirty());
+}
+
+TEST_P(ListMasterSheetTest, ANewPartyIsCheckedSavedAtOnceAndAddedAtTheEndOfTheGrid) {
+  AddParty(1, "Y09", "王五", 0);
+  // Rows put in behind the key source's back: init-db raises it past them.
+  ASSERT_TRUE(host().create_schema().ok());
+  Open("PDMYz", kOwners);
+  Seen seen;
+  OnDialog({TypeIn(0, " Y01 "), TypeIn(1, "O'Brien \"老\" 李"), Click("optXB", 1),
+            TypeIn(2, "138-0000"), TypeIn(3, "某某公司"), TypeIn(4, "110101"),
+            TypeIn(5, std::string(300, 'x')), TypeIn(6, "北京"), Save()},
+           &seen);
+  ASSERT_TRUE(Call("FileNew")) << ::testing::PrintToString(Reports());
+  EXPECT_EQ(seen.caption, "业主信息");
+  EXPECT_EQ(seen.texts, std::vector<std::string>(7, ""));
+  EXPECT_TRUE(seen.save_enabled);
+  EXPECT_EQ(Reports(), std::vector<std::string>{});
+
+  // Saved trimmed, with the sheet's kind; quotes and a long remark come back unchanged.
+  EXPECT_EQ(Scalar("select 业主名称 from fwyz where 业主编号='Y01'"), "O'Brien \"老\" 李");
+  EXPECT_EQ(Scalar("select 性别 from fwyz where 业主编号='Y01'"), "女");
+  EXPECT_EQ(Scalar("select 类型 from fwyz where 业主编号='Y01'"), "0");
+  EXPECT_EQ(Scalar("select 备注 from fwyz where 业主编号='Y01'"), std::string(300, 'x'));
+  EXPECT_EQ(Scalar("select 工作单位 from fwyz where 业主编号='Y01'"), "某某公司");
+  // At the end, not in its place by code, and the current row.
+  ASSERT_EQ(Rows().size(), 2u);
+  EXPECT_EQ(Rows()[1].substr(0, 8), "2|Y01|O'");
+  EXPECT_EQ(sheet_->Vs.Row(), 2);
+  ASSERT_TRUE(Call("Refresh"));
+  EXPECT_EQ(Rows()[0].substr(0, 6), "1|Y01|");
+
+  // A client's dialog has its own caption and saves type 1.
+  Open("PDMYz", kClients);
+  OnDialog({TypeIn(0, "K01"), TypeIn(1, "钱七"), Save()}, &seen);
+  ASSERT_TRUE(Call("FileNew"));
+  EXPECT_EQ(seen.caption, "客源信息");
+  EXPECT_EQ(Scalar("select 类型 from fwyz where 业主编号='K01'"), "1");
+  EXPECT_EQ(Scalar("select 性别 from fwyz where 业主编号='K01'"), "男");
+}
+
+TEST_P(ListMasterSheetTest, TheDialogRefusesMissingAndDuplicateCodesAndNamesAndStaysOpen) {
+  AddParty(1, "Y01", "王五", 0);
+  AddParty(2, "K01", "钱七", 1);  // a client's code and name count too: one table
+  Open("PDMYz", kOwners);
+  // Blanks are no code; each refusal leaves the dialog open until it is closed.
+  OnDialog({TypeIn(0, "   "), TypeIn(1, "赵六"), Save(), TypeIn(0, "Y02"), TypeIn(1, ""), Save(),
+            TypeIn(0, "Y01"), TypeIn(1, "赵六"), Save(), TypeIn(0, "K01"), Save(), TypeIn(0, "Y02"),
+            TypeIn(1, " 钱七 "), Save(), Close()});
+  ASSERT_TRUE(Call("FileNew"));
+  EXPECT_EQ(Reports(), (std::vector<std::string>{
+                           "没有具体的编号,请录入!|2|提示：", "没有具体的姓名,请录入!|2|提示：",
+                           "编号重复,请检查!|2|提示：", "编号重复,请检查!|2|提示：",
+                           "姓名重复,请检查!|2|提示"}));
+  EXPECT_EQ(Scalar("select count(*) from fwyz"), "2");
+  EXPECT_EQ(Rows().size(), 1u);
+
+  // The close button saves nothing, and neither does the window's close box.
+  OnDialog({TypeIn(0, "Y03"), TypeIn(1, "孙八"), Close()});
+  ASSERT_TRUE(Call("FileNew"));
+  host().ui().dialogs.push_back([](Dialog& d) { d.Close(); });
+  ASSERT_TRUE(Call("FileNew"));
+  EXPECT_EQ(Scalar("select count(*) from fwyz"), "2");
+}
+
+TEST_P(ListMasterSheetTest, EditShowsTheRowAndSavesItInPlaceKeepingItsOwnCodeAndName) {
+  Open("PDMYz", kOwners);
+  // The empty grid: no row, no dialog.
+  EXPECT_FALSE(Call("FileEdit"));
+  AddParty(1, "Y01", "王五", 0);
+  AddParty(2, "Y02", "赵六", 0);
+  Exec("update fwyz set 性别='女',电话='123' where 业主ID=2");
+  ASSERT_TRUE(Call("Refresh"));
+
+  ClickRow(2);
+  Seen seen;
+  OnDialog({TypeIn(2, "456"), Save()}, &seen);
+  ASSERT_TRUE(Call("FileEdit"));
+  EXPECT_EQ(seen.caption, "业主信息");
+  EXPECT_EQ(seen.texts[0], "Y02");
+  EXPECT_EQ(seen.texts[1], "赵六");
+  EXPECT_EQ(seen.texts[2], "123");
+  EXPECT_TRUE(seen.female);
+  EXPECT_EQ(Reports(), std::vector<std::string>{});
+  EXPECT_EQ(Scalar("select 电话 from fwyz where 业主ID=2"), "456");
+  EXPECT_EQ(Scalar("select 性别 from fwyz where 业主ID=2"), "女");
+  EXPECT_EQ(Scalar("select count(*) from fwyz"), "2");
+  EXPECT_EQ(Rows(), (std::vector<std::string>{"1|Y01|王五|男|||||", "2|Y02|赵六|女|456||||"}));
+
+  // Taking another row's code is refused on edit as well.
+  ClickRow(1);
+  OnDialog({TypeIn(0, "Y02"), Save(), Close()});
+  ASSERT_TRUE(Call("FileEdit"));
+  EXPECT_EQ(Reports(), (std::vector<std::string>{"编号重复,请检查!|2|提示："}));
+  EXPECT_EQ(Scalar("select 业主编号 from fwyz where 业主ID=1"), "Y01");
+}
+
+TEST_P(ListMasterSheetTest, DeleteAsksThenRefusesOwnersOfHousingButNotClientsWithContracts) {
+  AddParty(1, "Y01", "王五", 0);
+  AddParty(2, "Y02", "赵六", 0);
+  AddParty(3, "Y03", "孙八", 0);
+  AddParty(4, "K01", "钱七", 1);
+  Exec("insert into fwfy (房源ID,房源编号,业主ID) values (1,'F1',2)");
+  Exec("insert into fwhd (合同ID,合同编号,客户ID) values (1,'HT1',4)");
+  Open("PDMYz", kOwners);
+
+  ClickRow(1);
+  host().ui().answers = {msgbox::kNo};
+  EXPECT_FALSE(Call("FileDelete"));
+  ASSERT_EQ(host().ui().shown.size(), 1u);
+  EXPECT_EQ(host().ui().shown[0].prompt, "是否删除当前行记录");
+  EXPECT_EQ(host().ui().shown[0].flags, 52);
+  EXPECT_EQ(host().ui().shown[0].title, "提示:");
+  EXPECT_EQ(Scalar("select count(*) from fwyz"), "4");
+
+  ClickRow(2);  // owns a housing unit
+  host().ui().answers = {msgbox::kYes};
+  EXPECT_FALSE(Call("FileDelete"));
+  EXPECT_EQ(Reports(), (std::vector<std::string>{"该[业主]已启用,不能删除!|2|业主"}));
+  EXPECT_EQ(Rows().size(), 3u);
+
+  // A middle row goes; the rows below move up and are numbered again.
+  host().ui().answers = {msgbox::kYes};
+  ClickRow(1);
+  EXPECT_TRUE(Call("FileDelete"));
+  EXPECT_EQ(Rows(), (std::vector<std::string>{"1|Y02|赵六|男|||||", "2|Y03|孙八|男|||||"}));
+  EXPECT_EQ(Scalar("select count(*) from fwyz where 业主ID=1"), "0");
+
+  Open("PDMYz", kClients);
+  ClickRow(1);
+  host().ui().answers = {msgbox::kYes};
+  EXPECT_TRUE(Call("FileDelete"));
+  EXPECT_EQ(Rows(), std::vector<std::string>{});
+  EXPECT_EQ(Scalar("select count(*) from fwyz where 业主ID=4"), "0");
+  // Nothing to delete now: no question.
+  const size_t shown = host().ui().shown.size();
+  EXPECT_FALSE(Call("FileDelete"));
+  EXPECT_EQ(host().ui().shown.size(), shown);
+}
+
+TEST_P(ListMasterSheetTest, ADatabaseFailureOnSaveShowsItsTextAndKeepsTheDialogOpen) {
+  Open("PDMYz", kOwners);
+  Exec("drop table fwyz");
+  host().ui().answers = {msgbox::kOk};
+  OnDialog({TypeIn(0, "Y01"), TypeIn(1, "王五"), Save(), Close()});
+  ASSERT_TRUE(Call("FileNew"));
+  ASSERT_EQ(host().ui().shown.size(), 2u);
+  EXPECT_EQ(host().ui().shown[1].kind, "msgbox");
+  EXPECT_EQ(host().ui().shown[1].flags, 16);
+  EXPECT_EQ(host().ui().shown[1].title, "提示:");
+  EXPECT_NE(host().ui().shown[1].prompt, "");
+  EXPECT_TRUE(Rows().empty());
+}
+
+TEST_P(ListMasterSheetTest, FeeCategoriesTakeAModeFromTheClosedListAndAPriceAsANumber) {
+  Open("PDMFykm", 870003);
+  EXPECT_EQ(sheet_->Vs.FormatString(), "行号|编号|名称|计费方式|单价|费用ID");
+  Seen seen;
+  OnDialog({TypeIn(0, "F01"),
+            TypeIn(1, "水费"),
+            {"kvTxt", 2, {.kind = "pick", .text = "按用量"}},
+            TypeIn(3, "3.5"),
+            Save()},
+           &seen);
+  ASSERT_TRUE(Call("FileNew"));
+  EXPECT_EQ(seen.caption, "费用科目");
+  // No mode and no price: saved empty and 0; a price typed as text is 0 too.
+  OnDialog({TypeIn(0, "F02"), TypeIn(1, "卫生费"), Save()});
+  ASSERT_TRUE(Call("FileNew"));
+  OnDialog({TypeIn(0, "F03"), TypeIn(1, "杂费"), TypeIn(3, "abc"), Save()});
+  ASSERT_TRUE(Call("FileNew"));
+  EXPECT_EQ(Reports(), std::vector<std::string>{});
+  EXPECT_EQ(Scalar("select 计费方式 from fwfykm where 费用编号='F01'"), "按用量");
+  EXPECT_EQ(Scalar("select 单价 from fwfykm where 费用编号='F01'"), "3.5");
+  EXPECT_EQ(Scalar("select 计费方式 from fwfykm where 费用编号='F02'"), "");
+  EXPECT_EQ(Scalar("select 单价 from fwfykm where 费用编号='F02'"), "0");
+  EXPECT_EQ(Scalar("select 单价 from fwfykm where 费用编号='F03'"), "0");
+  EXPECT_EQ(Rows(), (std::vector<std::string>{"1|F01|水费|按用量|3.5", "2|F02|卫生费||0",
+                                              "3|F03|杂费||0"}));
+
+  // The caption stays on edit; a duplicate name has the title without a colon.
+  ClickRow(2);
+  OnDialog({TypeIn(1, "水费"), Save(), Close()}, &seen);
+  ASSERT_TRUE(Call("FileEdit"));
+  EXPECT_EQ(seen.caption, "费用科目");
+  EXPECT_EQ(seen.texts[1], "卫生费");
+  EXPECT_EQ(Reports(), (std::vector<std::string>{"名称重复,请检查!|2|提示"}));
+
+  // Only a fee receipt keeps a category from being deleted.
+  Exec("insert into fwjsfy (单据ID,费用ID) values (1," +
+       Scalar("select 费用ID from fwfykm where 费用编号='F01'") + ")");
+  ClickRow(1);
+  host().ui().answers = {msgbox::kYes, msgbox::kYes};
+  EXPECT_FALSE(Call("FileDelete"));
+  EXPECT_EQ(Reports(), (std::vector<std::string>{"该[费用科目]已启用,不能删除!|2|费用科目"}));
+  ClickRow(2);
+  EXPECT_TRUE(Call("FileDelete"));
+  EXPECT_EQ(Scalar("select count(*) from fwfykm"), "2");
+}
+
+TEST_P(ListMasterSheetTest, FindAndFilterWorkOnTheGridsRows) {
+  AddParty(1, "Y01", "王五", 0);
+  AddParty(2, "Y02", "赵六", 0);
+  AddParty(3, "Y03", "王小二", 0);
+  Open("PDMYz", kOwners);
+  host().ui().inputs = {std::string("王")};
+  EXPECT_TRUE(Call("Find", {Variant()}));
+  EXPECT_EQ(sheet_->Vs.Row(), 1);
+  EXPECT_TRUE(Call("FindNext"));
+  EXPECT_EQ(sheet_->Vs.Row(), 3);
+  host().ui().inputs = {std::string("赵")};
+  EXPECT_TRUE(Call("Filter", {Variant()}));
+  EXPECT_EQ(sheet_->Vs.RowHeight(1), 0);
+  EXPECT_GT(sheet_->Vs.RowHeight(2), 0);
+  EXPECT_EQ(sheet_->Vs.RowHeight(3), 0);
+}
+
+TEST_P(ListMasterSheetTest, OwnersAndClientsKeepTheirOwnColumnWidths) {
+  Open("PDMYz", kOwners);
+  const int width = sheet_->Vs.ColWidth(2);
+  sheet_->Vs.ColWidth(2) = 4321;
+  ASSERT_TRUE(host().close(screen_->id).ok());
+  EXPECT_TRUE(std::filesystem::exists(app_path() + "/selfbb/PDMYz-0.txt"));
+  Open("PDMYz", kClients);
+  EXPECT_EQ(sheet_->Vs.ColWidth(2), width);
+  Open("PDMYz", kOwners);
+  EXPECT_EQ(sheet_->Vs.ColWidth(2), 4321);
+}
+
+MRVK_ON_BOTH_ENGINES(ListMasterSheetTest);
+
+}  // namespace
+}  // namespace mrvk
