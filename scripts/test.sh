@@ -25,3 +25,22 @@ if [ -z "${MRVK_TEST_PG:-}" ]; then
 fi
 
 ctest --test-dir "$build" -j "$jobs" --output-on-failure --timeout 600
+
+# Browser tests of the web client (tests/e2e), on Debian's chromium; screenshots go to
+# $build/e2e-artifacts. Skipped with a note when chromium, node or the test driver is missing,
+# unless MRVK_REQUIRE_E2E is set.
+e2e_missing=""
+[ -x /usr/bin/chromium ] || e2e_missing="chromium (/usr/bin/chromium)"
+command -v node >/dev/null 2>&1 || e2e_missing="${e2e_missing:+$e2e_missing, }node"
+[ -d tests/e2e/node_modules/playwright-core ] ||
+  e2e_missing="${e2e_missing:+$e2e_missing, }tests/e2e/node_modules (npm ci)"
+if [ -z "$e2e_missing" ]; then
+  build_abs=$(cd "$build" && pwd)
+  (cd tests/e2e && MRVK_BIN="$build_abs/mrvk" MRVK_E2E_ARTIFACTS="$build_abs/e2e-artifacts" \
+     node --test --test-concurrency=1 .)
+elif [ -n "${MRVK_REQUIRE_E2E:-}" ]; then
+  echo "MRVK_REQUIRE_E2E is set and the browser tests cannot run: missing $e2e_missing" >&2
+  exit 1
+else
+  echo "note: browser tests skipped: missing $e2e_missing" >&2
+fi

@@ -6,6 +6,7 @@
 #include "app/commands.h"
 #include "app/demo_command.h"
 #include "app/schedule_command.h"
+#include "app/serve_command.h"
 
 namespace {
 
@@ -16,6 +17,10 @@ constexpr const char* kUsage =
     "  drive                      the screen protocol on stdin/stdout (JSON lines)\n"
     "  demo [--database URL] [--units N] [--seed S]\n"
     "                             fill an empty database with demo master data\n"
+    "  serve [--database URL] [--port N]\n"
+    "                             the web client on http://127.0.0.1:8080/\n"
+    "  user add|passwd|disable|enable NAME, user list\n"
+    "                             who may sign in to the web client\n"
     "  schedule --start D --end D --months M --period T [--arrears] [--json]\n"
     "                             preview the collection periods of one fee term\n"
     "database URLs: sqlite:///path/file.sqlite3, sqlite:// (in memory), postgresql://...\n";
@@ -33,6 +38,8 @@ int main(int argc, char** argv) {
   if (command == "init-db") return mrvk_app::RunInitDb(args, std::cout, std::cerr);
   if (command == "drive") return mrvk_app::RunDrive(args, std::cin, std::cout, std::cerr);
   if (command == "demo") return mrvk_app::RunDemo(args, std::cout, std::cerr);
+  if (command == "serve") return mrvk_app::RunServe(args, std::cout, std::cerr);
+  if (command == "user") return mrvk_app::RunUser(args, std::cin, std::cout, std::cerr);
   if (command == "schedule") return mrvk_app::RunScheduleCommand(args, std::cout, std::cerr);
   std::cerr << "mrvk: unknown command \"" << command << "\"\n" << kUsage;
   return 2;

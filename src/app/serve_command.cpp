@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "app/commands.h"
+#include "kvhost/host.h"
 #include "kvhost/web/user_store.h"
 #include "kvhost/web/web_server.h"
 
@@ -104,6 +105,101 @@ int RunServe(const std::vector<std::string>& args, std::ostream& out, std::ostre
   }
   pthread_sigmask(SIG_SETMASK, &saved, nullptr);
   return code;
+}
+
+int RunUser(const std::vector<std::string>& args, std::istream& in, std::ostream& out,
+            std::ostream& err) {
+  static const char* kUserUsage =
+      "usage: mrvk user add|passwd NAME [--password-stdin] [--database URL]\n"
+      "       mrvk user disable|enable NAME [--database URL]\n"
+      "       mrvk user list [--database URL]\n";
+  std::string url = DefaultDatabaseUrl();
+  std::vector<std::string> words;
+  bool password_stdin = false;
+  for (size_t i = 0; i < args.size(); ++i) {
+    if (args[i] == "--database" && i + 1 < args.size()) {
+      url = args[++i];
+    } else if (args[i] == "--password-stdin") {
+      password_stdin = true;
+    } else if (args[i].rfind("--", 0) == 0) {
+      err << "mrvk user: unknown option \"" << args[i] << "\"\n" << kUserUsage;
+      return 2;
+    } else {
+      words.push_back(args[i]);
+    }
+  }
+  const std::string action = words.empty() ? "" : words[0];
+  const bool named =
+      action == "add" || action == "passwd" || action == "disable" || action == "enable";
+  if (!(named && words.size() == 2) && !(action == "list" && words.size() == 1)) {
+    err << kUserUsage;
+    return 2;
+  }
+  if (password_stdin && action != "add" && action != "passwd") {
+    err << "mrvk user: --password-stdin goes with add and passwd\n";
+    return 2;
+  }
+  EnsureSqliteFolder(url);
+  {
+    // The users' table comes with the schema: a new database gets it here.
+    kvhost::Host host({.database = url, .user = "admin", .login_date = "", .app_path = "."});
+    kvhost::Status s = host.status().ok() ? host.create_schema() : host.status();
+    if (!s.ok()) {
+      err << "mrvk user: " << s.message() << "\n";
+      return 1;
+    }
+  }
+  std::string error;
+  auto database = kvhost::db::OpenDatabase(url, error);
+  if (!database) {
+    err << "mrvk user: " << error << "\n";
+    return 1;
+  }
+  kvhost::web::UserStore users(*database);
+  if (action == "list") {
+    auto list = users.List(error);
+    if (!error.empty()) {
+      err << "mrvk user: " << error << "\n";
+      return 1;
+    }
+    for (const auto& u : list)
+      out << u.name << (u.disabled ? "\tdisabled" : "\tenabled")
+          << (u.must_change ? "\tmust change password" : "") << "\n";
+    return 0;
+  }
+  const std::string& name = words[1];
+  kvhost::Status st = kvhost::Status::Ok();
+  std::string shown_password;
+  if (action == "add" || action == "passwd") {
+    std::string password;
+    if (password_stdin) {
+      if (!std::getline(in, password)) {
+        err << "mrvk user: no password on standard input\n";
+        return 1;
+      }
+      if (!password.empty() && password.back() == '\r') password.pop_back();
+    } else {
+      password = kvhost::web::RandomPassword();
+      shown_password = password;
+    }
+    const bool must_change = !password_stdin;
+    st = action == "add" ? users.Add(name, password, must_change)
+                         : users.SetPassword(name, password, must_change);
+  } else {
+    st = users.SetDisabled(name, /*disabled=*/action == "disable");
+  }
+  if (!st.ok()) {
+    err << "mrvk user: " << st.message() << "\n";
+    return 1;
+  }
+  if (action == "add") out << "user \"" << name << "\" added\n";
+  if (action == "passwd") out << "password of \"" << name << "\" set\n";
+  if (action == "disable") out << "user \"" << name << "\" disabled\n";
+  if (action == "enable") out << "user \"" << name << "\" enabled\n";
+  if (!shown_password.empty())
+    out << "one-time password: " << shown_password
+        << "\n(shown only now; it must be changed at the first sign-in)\n";
+  return 0;
 }
 
 }  // namespace mrvk_app

@@ -1,4 +1,4 @@
-// mrvk serve: the web client.
+// mrvk serve: the web client; mrvk user: who may sign in to it.
 #pragma once
 
 #include <iosfwd>
@@ -15,5 +15,12 @@ namespace mrvk_app {
 // and prints its one-time password. extra_menu adds menu entries (the test server's screens).
 int RunServe(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
              const std::vector<kvhost::web::MenuEntry>& extra_menu = {});
+
+// mrvk user add|passwd NAME [--password-stdin] | disable|enable NAME | list  [--database URL]
+// The people who may sign in to the web client. add and passwd read the password from the
+// first line of `in` with --password-stdin; without it they make a one-time password, print it,
+// and the person must change it at the first sign-in.
+int RunUser(const std::vector<std::string>& args, std::istream& in, std::ostream& out,
+            std::ostream& err);
 
 }  // namespace mrvk_app

@@ -400,6 +400,7 @@ class WebApp::Impl {
       if (Status st = OpenDriver(s); !st.ok()) return Refuse(500, st.message());
     }
     json answer = s.driver->Handle(forward);
+    if (op == "state" && !for_dialog) AddToolbarFacts(s, answer);
     const bool ok = answer.value("ok", false);
     if (answer.contains("pending")) {
       if (op != "answer") s.waiting_op = op;
@@ -412,6 +413,25 @@ class WebApp::Impl {
       if (ok && ended == "close" && op == "close") s.screens.erase(req["screen"].get<int>());
     }
     return {ok ? 200 : 422, std::move(answer), ""};
+  }
+
+  // The toolbar is enabled by IsDirty, GetID (in the state already), CheckStatus and
+  // Attributes(98); a sheet's state answer gets the last two, read on the screen's thread.
+  static void AddToolbarFacts(WebSession& s, json& answer) {
+    if (!answer.value("ok", false) || answer.contains("pending")) return;
+    json& result = answer["result"];
+    if (!result.is_object() || !result.contains("IsDirty")) return;
+    const json screen = result["screen"];
+    auto ask = [&](const char* method, json args) -> json {
+      json a = s.driver->Handle(
+          {{"op", "call"}, {"screen", screen}, {"method", method}, {"args", std::move(args)}});
+      if (a.contains("events") && a["events"].is_array() && !a["events"].empty()) {
+        for (auto& e : a["events"]) answer["events"].push_back(e);
+      }
+      return a.value("ok", false) ? a["result"] : json();
+    };
+    result["CheckStatus"] = ask("CheckStatus", json::array({""}));
+    result["Attributes98"] = ask("Attributes", json::array({98}));
   }
 
   Status OpenDriver(WebSession& s) {

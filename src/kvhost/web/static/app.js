@@ -1,0 +1,952 @@
+// The browser client of mrvk serve. Plain script, no build step.
+//
+// It speaks the screen protocol through POST /api/protocol: every screen is drawn from the
+// control list that "state" answers, every click or typed text goes back as a gesture, and
+// the host's toolbar calls the screen's interface operations. Message boxes, input boxes,
+// pickers and entry dialogs arrive as the "pending" part of an answer and are answered from
+// modal layers. Requests of one browser go one at a time, in order.
+'use strict';
+
+const $ = (id) => document.getElementById(id);
+
+function el(tag, props, ...children) {
+  const e = document.createElement(tag);
+  if (props) {
+    for (const [k, v] of Object.entries(props)) {
+      if (v === undefined || v === null || v === false) continue;
+      if (k === 'class') e.className = v;
+      else if (k === 'text') e.textContent = v;
+      else if (k.startsWith('on')) e.addEventListener(k.slice(2), v);
+      else if (k in e && typeof v !== 'string') e[k] = v;
+      else e.setAttribute(k, v === true ? '' : v);
+    }
+  }
+  for (const c of children.flat()) {
+    if (c === null || c === undefined || c === false) continue;
+    e.append(c instanceof Node ? c : document.createTextNode(String(c)));
+  }
+  return e;
+}
+
+// ---------------------------------------------------------------- server access
+
+const session = { csrf: '', user: '', login_date: '', must_change: false };
+
+class ApiError extends Error {
+  constructor(status, message, body) {
+    super(message);
+    this.status = status;
+    this.body = body;
+  }
+}
+
+async function api(method, path, body) {
+  const headers = {};
+  if (method === 'POST') {
+    headers['Content-Type'] = 'application/json';
+    if (session.csrf) headers['X-CSRF-Token'] = session.csrf;
+  }
+  let res;
+  try {
+    res = await fetch(path, {
+      method, headers, credentials: 'same-origin', cache: 'no-store',
+      body: method === 'POST' ? JSON.stringify(body || {}) : undefined,
+    });
+  } catch (e) {
+    throw new ApiError(0, '无法连接服务器：' + e.message, null);
+  }
+  let data = null;
+  try { data = await res.json(); } catch (e) { data = null; }
+  if (res.status === 401 && path !== '/api/signin' && path !== '/api/session') {
+    signedOut((data && data.error) || '登录已过期，请重新登录');
+  }
+  if (!res.ok && !(res.status === 422 && data)) {
+    throw new ApiError(res.status, (data && data.error) || ('HTTP ' + res.status), data);
+  }
+  return data;
+}
+
+// One protocol request at a time, in the order they were made.
+let queue = Promise.resolve();
+function protocol(request) {
+  const run = queue.then(() => api('POST', '/api/protocol', request));
+  queue = run.catch(() => {});
+  return run;
+}
+
+// ---------------------------------------------------------------- status line, alerts
+
+function status(text) { $('statusline').textContent = text || ''; }
+
+function alertLayer(message, title) {
+  return new Promise((resolve) => {
+    const ok = el('button', { type: 'button', text: '确定', onclick: () => { close(); resolve(); } });
+    const { close } = openLayer({
+      title: title || '提示', cls: 'alert',
+      body: [el('div', { class: 'prompt' }, el('span', { class: 'icon', text: '⚠' }),
+                el('span', { class: 'text', text: message }))],
+      buttons: [ok], onClose: () => resolve(),
+    });
+    ok.focus();
+  });
+}
+
+// A modal layer over the page. Returns close().
+function openLayer({ title, cls, body, buttons, onClose, name }) {
+  const closeBox = el('button', { type: 'button', title: '关闭', text: '×', class: 'close-box' });
+  const layer = el('div', { class: 'layer ' + (cls || ''), role: 'dialog', 'aria-modal': 'true',
+                            'data-layer': name || cls || 'layer' },
+    el('div', { class: 'title' }, el('span', { text: title || '' }), closeBox),
+    el('div', { class: 'body' }, body),
+    buttons && buttons.length ? el('div', { class: 'buttons' }, buttons) : null);
+  const backdrop = el('div', { class: 'backdrop' }, layer);
+  $('layers').append(backdrop);
+  const close = () => backdrop.remove();
+  closeBox.addEventListener('click', () => { close(); if (onClose) onClose(); });
+  layer.addEventListener('keydown', (e) => {
+    if (e.key === 'Escape' && onClose) { e.preventDefault(); close(); onClose(); }
+  });
+  return { close, layer };
+}
+
+// ---------------------------------------------------------------- answers of the protocol
+
+// Handles the events and pending box of an answer, answering boxes until the operation ends.
+// Resolves to the final answer (ok, result or error).
+async function settle(answer, tab) {
+  for (;;) {
+    await showEvents(answer, tab);
+    if (!answer.pending) return answer;
+    const value = await askPending(answer.pending, tab, answer);
+    // A gesture in a dialog that closed it already brought the next answer.
+    if (value && value.__answer) { answer = value.__answer; continue; }
+    answer = await protocol({ op: 'answer', value });
+  }
+}
+
+async function showEvents(answer, tab) {
+  for (const e of answer.events || []) {
+    const a = e.args || [];
+    if (e.name === 'Message') status(a[0]);
+    else if (e.name === 'ErrMessage') await alertLayer(String(a[0] ?? ''), a[2] || '错误');
+    else if (e.name === 'Detaile') setTimeout(() => openScreen(Number(a[0]), Number(a[1])), 0);
+    else if (e.name === 'fileedit') setTimeout(() => openScreen(Number(a[0]), Number(a[1])), 0);
+    else if (e.name === 'filenew') {
+      setTimeout(async () => {
+        const t = await openScreen(Number(a[0]), 0);
+        if (t) await toolbarCommand(t, 'FileNew');
+      }, 0);
+    }
+  }
+  if (!answer.ok && answer.error && !answer.pending) {
+    // A refused request (a gesture on a locked field, a bad call): shown, nothing changed.
+    status(answer.error);
+  }
+}
+
+const MB_BUTTONS = {
+  0: [['确定', 1]],
+  1: [['确定', 1], ['取消', 2]],
+  2: [['终止', 3], ['重试', 4], ['忽略', 5]],
+  3: [['是', 6], ['否', 7], ['取消', 2]],
+  4: [['是', 6], ['否', 7]],
+  5: [['重试', 4], ['取消', 2]],
+};
+const MB_ICONS = { 16: '⛔', 32: '❓', 48: '⚠', 64: 'ℹ' };
+
+function askPending(p, tab, answer) {
+  if (p.kind === 'msgbox') return messageBox(p);
+  if (p.kind === 'inputbox') return inputBox(p);
+  if (p.kind === 'picker') return pickerLayer(p, answer);
+  if (p.kind === 'dialog') return dialogLayer(p, answer);
+  return Promise.resolve(null);
+}
+
+function messageBox(p) {
+  return new Promise((resolve) => {
+    const flags = p.flags || 0;
+    const set = MB_BUTTONS[flags & 7] || MB_BUTTONS[0];
+    const icon = MB_ICONS[flags & 0x70];
+    const cancelValue = set.some(([, v]) => v === 2) ? 2 : (set.length === 1 ? set[0][1] : null);
+    let close;
+    const buttons = set.map(([label, value]) => el('button', {
+      type: 'button', text: label, 'data-answer': String(value),
+      onclick: () => { close(); resolve(value); },
+    }));
+    ({ close } = openLayer({
+      title: p.title || '提示', name: 'msgbox',
+      body: [el('div', { class: 'prompt' }, icon ? el('span', { class: 'icon', text: icon }) : null,
+                el('span', { class: 'text', text: p.prompt }))],
+      buttons,
+      onClose: cancelValue === null ? null : () => resolve(cancelValue),
+    }));
+    // The default button is the first, as on the desktop (flags 256/512 move it).
+    const def = (flags & 0x300) >> 8;
+    (buttons[def] || buttons[0]).focus();
+  });
+}
+
+function inputBox(p) {
+  return new Promise((resolve) => {
+    const input = el('input', { type: 'text', value: p.default || '', class: 'inputbox-text' });
+    let close;
+    const ok = () => { close(); resolve(input.value); };
+    const cancel = () => { close(); resolve(null); };
+    input.addEventListener('keydown', (e) => { if (e.key === 'Enter') ok(); });
+    ({ close } = openLayer({
+      title: p.title || '输入', name: 'inputbox',
+      body: [el('div', { class: 'prompt', text: p.prompt }), input],
+      buttons: [el('button', { type: 'button', text: '确定', onclick: ok }),
+                el('button', { type: 'button', text: '取消', onclick: cancel })],
+      onClose: cancel,
+    }));
+    input.focus();
+    input.select();
+  });
+}
+
+// A picker's list: rows chosen by click (and Ctrl/Shift when it takes several), answered
+// with their indexes; Cancel answers null.
+function pickerLayer(p, answer) {
+  return new Promise((resolve) => {
+    let layerClose = null;
+    const render = (pending, lastAnswer) => {
+      if (layerClose) layerClose();
+      const d = pending.dialog || {};
+      const chosen = new Set(d.current >= 0 ? [d.current] : []);
+      const finish = (value) => { layerClose(); resolve(value); };
+      const head = el('tr', null, (d.columns || []).map((c) => el('th', { text: c })));
+      const body = el('tbody');
+      for (const r of d.rows || []) {
+        const tr = el('tr', { 'data-index': String(r.index) },
+          r.cells.map((c) => el('td', { text: c })));
+        if (chosen.has(r.index)) tr.classList.add('chosen');
+        tr.addEventListener('click', (e) => {
+          if (!d.multiple || !(e.ctrlKey || e.metaKey)) {
+            chosen.clear();
+            body.querySelectorAll('tr.chosen').forEach((x) => x.classList.remove('chosen'));
+          }
+          if (chosen.has(r.index)) { chosen.delete(r.index); tr.classList.remove('chosen'); }
+          else { chosen.add(r.index); tr.classList.add('chosen'); }
+        });
+        tr.addEventListener('dblclick', () => finish([r.index]));
+        body.append(tr);
+      }
+      const controls = el('div', { class: 'ctl-flow' });
+      // The list's rows come as the table below, chosen by index; its own grid and buttons
+      // would not know that choice.
+      const own = (d.controls || []).filter((c) =>
+        c.type !== 'VsFlexGrid' && c.type !== 'kvGrid' && c.type !== 'CommandButton');
+      renderControls(controls, own, {
+        gesture: (g) => dialogGesture(g, render, resolve, () => layerClose()),
+      });
+      const note = el('div', { class: 'hint', text:
+        `共 ${d.count ?? (d.rows || []).length} 行` + (d.multiple ? '（按住 Ctrl 可多选）' : '') });
+      const err = lastAnswer && !lastAnswer.ok && lastAnswer.error
+        ? el('div', { class: 'error', text: lastAnswer.error }) : null;
+      ({ close: layerClose } = openLayer({
+        title: d.caption || pending.title || '选择', name: 'picker',
+        body: [controls, err, el('div', { class: 'grid-wrap' },
+          el('table', { class: 'grid' }, el('thead', null, head), body)), note],
+        buttons: [
+          el('button', { type: 'button', text: '确定',
+                         onclick: () => { if (chosen.size) finish([...chosen]); } }),
+          el('button', { type: 'button', text: '取消', onclick: () => finish(null) }),
+        ],
+        onClose: () => resolve(null),
+      }));
+    };
+    render(p, answer);
+  });
+}
+
+// A gesture on the controls of the shown dialog; redraws it from the answer, or, when the
+// gesture closed it (its handler hid the dialog), hands the answer on.
+async function dialogGesture(g, render, resolve, closeLayer) {
+  const a = await protocol(Object.assign({ op: 'gesture', dialog: true }, g));
+  if (a.pending && (a.pending.kind === 'dialog' || a.pending.kind === 'picker')) {
+    await showEvents(Object.assign({}, a, { pending: undefined, error: undefined }), null);
+    render(a.pending, a);
+    return;
+  }
+  // The dialog went away: the operation that showed it goes on from this answer.
+  closeLayer();
+  resolve({ __answer: a });
+}
+
+function dialogLayer(p, answer) {
+  return new Promise((resolve) => {
+    let layerClose = null;
+    const render = (pending, lastAnswer) => {
+      if (layerClose) layerClose();
+      const d = pending.dialog || {};
+      const box = el('div', { class: 'ctl-flow dialog-controls' });
+      renderControls(box, d.controls || [], {
+        gesture: (g) => dialogGesture(g, render, resolve, () => layerClose()),
+      });
+      const err = lastAnswer && !lastAnswer.ok && lastAnswer.error
+        ? el('div', { class: 'error', text: lastAnswer.error }) : null;
+      ({ close: layerClose } = openLayer({
+        title: d.caption || pending.title || '', name: 'dialog', body: [err, box],
+        onClose: () => resolve(null),
+      }));
+    };
+    render(p, answer);
+  });
+}
+
+
+// ---------------------------------------------------------------- controls
+
+// Draws a control list into `root`: frames hold the controls that name them as container;
+// a screen with a tree at the top puts it on the left of everything else.
+function renderControls(root, controls, ctx) {
+  const visible = controls.filter((c) => c.visible !== false);
+  const names = new Map();
+  const keyOf = (c) => c.name + (c.index !== undefined ? '(' + c.index + ')' : '');
+  const isContainer = (c) => c.type === 'Frame' || c.type === 'PictureBox' || c.type === 'SSTab';
+  for (const c of visible) if (isContainer(c)) names.set(c.name, c), names.set(keyOf(c), c);
+  const children = new Map();
+  const top = [];
+  for (const c of visible) {
+    if (c.container && names.has(c.container) && c !== names.get(c.container)) {
+      if (!children.has(c.container)) children.set(c.container, []);
+      children.get(c.container).push(c);
+    } else {
+      top.push(c);
+    }
+  }
+  const draw = (c, into) => {
+    if (isContainer(c)) {
+      const fs = el('fieldset', { class: 'ctl-frame', 'data-control': keyOf(c) },
+        c.caption ? el('legend', { text: caption(c.caption) }) : null);
+      const inner = el('div', { class: 'ctl-flow' });
+      fs.append(inner);
+      for (const k of children.get(keyOf(c)) || children.get(c.name) || []) draw(k, inner);
+      into.append(fs);
+      return;
+    }
+    const node = drawControl(c, ctx);
+    if (node) into.append(node);
+  };
+  const tree = top.find((c) => c.type === 'TreeView');
+  if (tree) {
+    const left = el('div', { class: 'pane-left' });
+    const right = el('div', { class: 'ctl-flow pane-right' });
+    draw(tree, left);
+    for (const c of top) if (c !== tree) draw(c, right);
+    root.append(el('div', { class: 'split' }, left, right));
+  } else {
+    for (const c of top) draw(c, root);
+  }
+}
+
+// A caption as shown: "&" marks the access key ("保存(&S)" shows "保存(S)"), "&&" is "&".
+function caption(text) {
+  return String(text || '').replace(/&&|&/g, (m) => (m === '&&' ? '&' : ''));
+}
+
+function controlRef(c) {
+  const g = { control: c.name };
+  if (c.index !== undefined) g.index = c.index;
+  return g;
+}
+
+function drawControl(c, ctx) {
+  const ref = controlRef(c);
+  const key = c.name + (c.index !== undefined ? '(' + c.index + ')' : '');
+  const disabled = c.enabled === false;
+  const wrap = (node) => {
+    node.dataset.control = key;
+    if (c.focus) node.classList.add('focus-mark');
+    if (c.tooltip) node.title = c.tooltip;
+    return node;
+  };
+  // A text typed into a field goes back as type + leave when it was changed.
+  const bindText = (input, original) => {
+    const commit = async () => {
+      if (input.value === original) return;
+      original = input.value;
+      await ctx.gesture(Object.assign({ gesture: 'type', text: input.value }, ref), true);
+      await ctx.gesture(Object.assign({ gesture: 'leave' }, ref));
+    };
+    input.addEventListener('change', commit);
+    input.addEventListener('keydown', (e) => {
+      if (e.key === 'Enter' && input.tagName !== 'TEXTAREA') { e.preventDefault(); commit(); }
+    });
+  };
+  switch (c.type) {
+    case 'kvTxt_S':
+    case 'TextBox':
+    case 'SearchBox': {
+      let input;
+      if (c.list && c.list.length && !c.locked) {
+        input = el('select', { disabled },
+          [''].concat(c.list).map((v) => el('option', { value: v, text: v })));
+        input.value = c.text || '';
+      } else if (c.multiline) {
+        input = el('textarea', { rows: 3, readOnly: !!c.locked, disabled });
+        input.value = c.text || '';
+      } else {
+        input = el('input', { type: 'text', readOnly: !!c.locked, disabled,
+                              placeholder: c.kind === 'date' ? 'yyyy-mm-dd' : null });
+        input.value = c.text || '';
+        if (c.maxlength) input.maxLength = c.maxlength;
+        if (c.kind === 'number') input.classList.add('num');
+      }
+      input.name = key;
+      bindText(input, c.text || '');
+      const parts = [el('span', { class: 'caption', text: caption(c.caption) }), input];
+      if (c.unit) parts.push(el('span', { class: 'unit', text: c.unit }));
+      if (c.button) {
+        parts.push(el('button', { type: 'button', class: 'pick', text: '…', title: '选择',
+          disabled: disabled || !!c.locked,
+          onclick: () => ctx.gesture(Object.assign({ gesture: 'pick' }, ref)) }));
+      }
+      return wrap(el('label', { class: 'field' }, parts));
+    }
+    case 'ComboBox': {
+      const sel = el('select', { disabled: disabled || !!c.locked, name: key },
+        (c.list || []).map((v) => el('option', { value: v, text: v })));
+      sel.value = c.text || '';
+      sel.addEventListener('change',
+        () => ctx.gesture(Object.assign({ gesture: 'pick', text: sel.value }, ref)));
+      return wrap(el('label', { class: 'field' },
+        el('span', { class: 'caption', text: caption(c.caption) }), sel));
+    }
+    case 'CheckBox': {
+      const box = el('input', { type: 'checkbox', disabled: disabled || !!c.locked, name: key });
+      box.checked = Number(c.value) === 1;
+      box.addEventListener('click', (e) => {
+        e.preventDefault();
+        ctx.gesture(Object.assign({ gesture: 'toggle' }, ref));
+      });
+      return wrap(el('label', { class: 'ctl-check' }, box, caption(c.caption)));
+    }
+    case 'OptionButton': {
+      const box = el('input', { type: 'radio', disabled: disabled || !!c.locked, name: key });
+      box.checked = !!c.value && Number(c.value) !== 0;
+      box.addEventListener('click', (e) => {
+        e.preventDefault();
+        ctx.gesture(Object.assign({ gesture: 'click' }, ref));
+      });
+      return wrap(el('label', { class: 'ctl-option' }, box, caption(c.caption)));
+    }
+    case 'CommandButton':
+    case 'Button':
+      return wrap(el('button', { type: 'button', class: 'ctl-button', text: caption(c.caption) || c.name,
+        disabled, onclick: () => ctx.gesture(Object.assign({ gesture: 'click' }, ref)) }));
+    case 'Label':
+      return c.caption ? wrap(el('span', { class: 'ctl-label', text: caption(c.caption) })) : null;
+    case 'TreeView':
+      return wrap(drawTree(c, ref, ctx));
+    case 'kvGrid':
+    case 'VsFlexGrid':
+      return wrap(drawGrid(c, ref, ctx));
+    default:
+      if (c.text !== undefined) {
+        return wrap(el('label', { class: 'field' },
+          el('span', { class: 'caption', text: caption(c.caption) }),
+          el('input', { type: 'text', readOnly: true, value: c.text })));
+      }
+      return c.caption ? wrap(el('span', { class: 'ctl-label', text: caption(c.caption) })) : null;
+  }
+}
+
+function drawTree(c, ref, ctx) {
+  const box = el('div', { class: 'tree', role: 'tree', tabindex: '0' });
+  for (const n of c.nodes || []) {
+    const twist = el('span', { class: 'twist', text: n.children > 0 ? (n.expanded ? '▾' : '▸') : '' });
+    const row = el('div', {
+      class: 'node' + (n.selected ? ' selected' : '') + (n.bold ? ' bold' : '') + (n.cut ? ' cut' : ''),
+      role: 'treeitem', 'data-key': n.id, 'aria-selected': n.selected ? 'true' : 'false',
+    }, twist, el('span', { class: 'label', text: n.text }));
+    row.style.paddingLeft = (6 + 16 * (n.depth || 0)) + 'px';
+    twist.addEventListener('click', (e) => {
+      e.stopPropagation();
+      if (n.children > 0) ctx.gesture(Object.assign({ gesture: 'toggle', key: n.id }, ref));
+    });
+    row.addEventListener('click', () => {
+      if (!n.selected) ctx.gesture(Object.assign({ gesture: 'select', key: n.id }, ref));
+    });
+    row.addEventListener('dblclick', () =>
+      ctx.gesture(Object.assign({ gesture: 'dblclick', key: n.id }, ref)));
+    box.append(row);
+  }
+  box.addEventListener('keydown', (e) => {
+    const code = e.key === 'ArrowUp' ? 38 : e.key === 'ArrowDown' ? 40 : 0;
+    if (code) {
+      e.preventDefault();
+      ctx.gesture(Object.assign({ gesture: 'keydown', row: code, col: 0 }, ref));
+    }
+  });
+  const wrapper = el('div', { class: 'tree-wrap' }, box);
+  if ((c.shown_count || 0) > (c.nodes || []).length) {
+    const top = c.top_line || 0;
+    const page = 100;
+    wrapper.append(el('div', { class: 'pager' },
+      el('button', { type: 'button', text: '上一页', disabled: top <= 0,
+        onclick: () => ctx.gesture(Object.assign({ gesture: 'scroll', row: Math.max(0, top - page) }, ref)) }),
+      el('span', { text: `${top + 1}–${top + (c.nodes || []).length} / ${c.shown_count}` }),
+      el('button', { type: 'button', text: '下一页',
+        disabled: top + (c.nodes || []).length >= c.shown_count,
+        onclick: () => ctx.gesture(Object.assign({ gesture: 'scroll', row: top + page }, ref)) })));
+  }
+  return wrapper;
+}
+
+// Alignment codes of the grid: 0-2 left, 3-5 centre, 6-8 right, 9 general (numbers right).
+function alignClass(code, kind) {
+  if (code >= 6 && code <= 8) return 'num';
+  if (code >= 3 && code <= 5) return 'center';
+  if ((code === 9 || code === undefined || code < 0) && kind === 'number') return 'num';
+  return '';
+}
+
+function colourCss(v) {
+  if (v === undefined || v === null || v < 0) return '';
+  const r = v & 255, g = (v >> 8) & 255, b = (v >> 16) & 255;  // BGR, as the desktop keeps it
+  return `rgb(${r},${g},${b})`;
+}
+
+function drawGrid(c, ref, ctx) {
+  const cols = c.columns || [];
+  const shown = [];
+  for (let i = 0; i < cols.length; i++) {
+    if (!cols[i].hidden && cols[i].width !== 0) shown.push(i);
+  }
+  const fixedRows = c.fixed_rows || 0;
+  const fixedCols = c.fixed_cols || 0;
+  const cells = c.cells || [];
+  const head = cells.filter((r) => r.row < fixedRows);
+  const data = cells.filter((r) => r.row >= fixedRows);
+  const thead = el('thead');
+  // Fixed rows: equal neighbours merge across (merged headers) and down (merged columns).
+  const spanDown = new Map();
+  for (let h = 0; h < head.length; h++) {
+    const tr = el('tr');
+    const texts = head[h].text;
+    for (let k = 0; k < shown.length; k++) {
+      const ci = shown[k];
+      if (spanDown.get(h + ':' + ci)) continue;
+      let colspan = 1;
+      const canMergeAcross = (c.merge_cells || head[h].merge) && texts[ci] !== '';
+      while (canMergeAcross && k + colspan < shown.length &&
+             texts[shown[k + colspan]] === texts[ci]) colspan++;
+      let rowspan = 1;
+      if (colspan === 1 && (c.merge_cells || cols[ci].merge)) {
+        while (h + rowspan < head.length && head[h + rowspan].text[ci] === texts[ci]) {
+          spanDown.set((h + rowspan) + ':' + ci, true);
+          rowspan++;
+        }
+      }
+      const th = el('th', { text: texts[ci], colSpan: colspan, rowSpan: rowspan });
+      if (cols[ci].width > 0) th.style.minWidth = Math.round(cols[ci].width / 15) + 'px';
+      tr.append(th);
+      k += colspan - 1;
+    }
+    thead.append(tr);
+  }
+  const tbody = el('tbody');
+  const editable = c.type === 'kvGrid' && c.editable && !c.locked && c.enabled !== false;
+  for (const r of data) {
+    const tr = el('tr', { 'data-row': String(r.row) });
+    if (r.row === c.row) tr.classList.add('current');
+    if (r.subtotal !== undefined) tr.classList.add('subtotal');
+    const styles = new Map((r.styles || []).map((s) => [s.col, s]));
+    for (const ci of shown) {
+      const col = cols[ci];
+      const st = styles.get(ci) || {};
+      const td = el('td', { text: r.text[ci], 'data-col': String(ci),
+        class: [alignClass(st.alignment ?? col.alignment, col.kind || (col.data_type >= 2 && col.data_type <= 7 ? 'number' : '')),
+                ci < fixedCols ? 'fixed-col' : '',
+                r.row === c.row && ci === c.col ? 'current-cell' : ''].join(' ').trim() });
+      if (st.back !== undefined || col.back !== undefined) td.style.background = colourCss(st.back ?? col.back);
+      if (st.fore !== undefined || col.fore !== undefined) td.style.color = colourCss(st.fore ?? col.fore);
+      if (st.bold) td.style.fontWeight = 'bold';
+      td.addEventListener('click', () =>
+        ctx.gesture(Object.assign({ gesture: 'cell_click', row: r.row, col: ci }, ref)));
+      td.addEventListener('dblclick', () => {
+        if (editable && !col.read_only && ci >= fixedCols) editCell(td, r, ci, ref, ctx);
+        else ctx.gesture(Object.assign({ gesture: 'cell_dblclick', row: r.row, col: ci }, ref));
+      });
+      tr.append(td);
+    }
+    tbody.append(tr);
+  }
+  const table = el('table', { class: 'grid' }, thead, tbody);
+  const wrap = el('div', { class: 'grid-wrap' }, table);
+  const dataRows = (c.rows || 0) - fixedRows;
+  const box = el('div', { class: 'grid-box' }, wrap);
+  box.style.flexBasis = '100%';
+  if (dataRows > data.length && c.type === 'VsFlexGrid') {
+    // Large grids come 200 rows at a time from the top row; the pager scrolls the grid.
+    const top = c.top_row || fixedRows;
+    const page = Math.max(data.length, 1);
+    box.append(el('div', { class: 'pager' },
+      el('button', { type: 'button', text: '上一页', disabled: top <= fixedRows,
+        onclick: () => ctx.gesture(Object.assign({ gesture: 'scroll', row: Math.max(fixedRows, top - page) }, ref)) }),
+      el('span', { text: `第 ${top - fixedRows + 1}–${top - fixedRows + data.length} 行，共 ${dataRows} 行` }),
+      el('button', { type: 'button', text: '下一页', disabled: top + data.length >= c.rows,
+        onclick: () => ctx.gesture(Object.assign({ gesture: 'scroll', row: top + page }, ref)) })));
+  } else if (dataRows > data.length) {
+    box.append(el('div', { class: 'pager', text: `显示 ${data.length} 行，共 ${dataRows} 行` }));
+  }
+  return box;
+}
+
+function editCell(td, r, ci, ref, ctx) {
+  const input = el('input', { type: 'text', value: r.text[ci] });
+  td.textContent = '';
+  td.append(input);
+  input.focus();
+  input.select();
+  let done = false;
+  const commit = (save) => {
+    if (done) return;
+    done = true;
+    if (save && input.value !== r.text[ci]) {
+      ctx.gesture(Object.assign({ gesture: 'cell_edit', row: r.row, col: ci, text: input.value }, ref));
+    } else {
+      td.textContent = r.text[ci];
+    }
+  };
+  input.addEventListener('keydown', (e) => {
+    if (e.key === 'Enter') commit(true);
+    if (e.key === 'Escape') commit(false);
+  });
+  input.addEventListener('blur', () => commit(true));
+}
+
+// ---------------------------------------------------------------- tabs and screens
+
+const tabs = [];
+let active = null;
+let menuEntries = new Map();
+
+async function openScreen(progID, record) {
+  const entry = menuEntries.get(progID);
+  if (!entry) { await alertLayer('没有功能 ' + progID, '提示'); return null; }
+  if (entry.kind === 'tool') {
+    const a = await settle(await protocol({ op: 'tool', progID, record: record || 0 }), null);
+    if (!a.ok) await alertLayer(a.error || '执行失败', entry.name);
+    else status(entry.name + (a.result ? ' 完成' : ' 未执行'));
+    return null;
+  }
+  // A sheet already open on the same record comes to the front.
+  const open = tabs.find((t) => t.progID === progID && (!record || t.record === record));
+  if (open) { activate(open); return open; }
+  status('正在打开 ' + entry.name + '…');
+  let a;
+  try {
+    a = await settle(await protocol({ op: 'open', progID, record: record || 0 }), null);
+  } catch (e) {
+    await alertLayer(e.message, entry.name);
+    return null;
+  }
+  if (!a.ok) {
+    await alertLayer(a.error || '打开失败', entry.name);
+    status('');
+    return null;
+  }
+  const tab = { screen: a.result, progID, record: record || 0, name: entry.name,
+                kind: entry.kind, state: null, editing: false, node: null, tabEl: null };
+  tabs.push(tab);
+  tab.node = el('div', { class: 'screen', 'data-screen': String(tab.screen),
+                         'data-prog': String(progID) });
+  $('screens').append(tab.node);
+  tab.tabEl = el('div', { class: 'tab', role: 'tab', 'data-prog': String(progID) },
+    el('span', { text: entry.name }),
+    el('button', { type: 'button', class: 'close', title: '关闭', text: '×',
+                   onclick: (e) => { e.stopPropagation(); closeTab(tab); } }));
+  tab.tabEl.addEventListener('click', () => activate(tab));
+  $('tabs').append(tab.tabEl);
+  activate(tab);
+  await refreshState(tab);
+  if (!$('statusline').textContent.startsWith('正在打开')) return tab;
+  status('');
+  return tab;
+}
+
+function activate(tab) {
+  active = tab;
+  for (const t of tabs) {
+    t.node.hidden = t !== tab;
+    t.tabEl.classList.toggle('active', t === tab);
+  }
+  $('empty-hint').hidden = tabs.length > 0;
+  drawToolbar();
+}
+
+async function closeTab(tab) {
+  const a = await settle(await protocol({ op: 'close', screen: tab.screen }), tab);
+  if (!a.ok) { await alertLayer(a.error || '关闭失败', tab.name); return; }
+  tab.node.remove();
+  tab.tabEl.remove();
+  tabs.splice(tabs.indexOf(tab), 1);
+  if (active === tab) active = null;
+  if (tabs.length) activate(tabs[tabs.length - 1]);
+  else { $('empty-hint').hidden = false; drawToolbar(); }
+}
+
+async function refreshState(tab) {
+  if (!tabs.includes(tab)) return;
+  const a = await settle(await protocol({ op: 'state', screen: tab.screen }), tab);
+  if (!a.ok) { status(a.error); return; }
+  tab.state = a.result;
+  drawScreen(tab);
+  if (tab === active) drawToolbar();
+}
+
+function drawScreen(tab) {
+  const scrollTop = $('screens').scrollTop;
+  tab.node.textContent = '';
+  renderControls(tab.node, tab.state.controls || [], {
+    gesture: (g, noRefresh) => screenGesture(tab, g, noRefresh),
+  });
+  $('screens').scrollTop = scrollTop;
+}
+
+async function screenGesture(tab, g, noRefresh) {
+  const a = await settle(await protocol(Object.assign({ op: 'gesture', screen: tab.screen }, g)), tab);
+  if (!a.ok && a.error) status(a.error);
+  if (!noRefresh) await refreshState(tab);
+}
+
+// ---------------------------------------------------------------- toolbar
+
+let toolbarBusy = false;
+
+const TOOLBAR = [
+  ['新增', 'FileNew'], ['修改', 'FileEdit'], ['删除', 'FileDelete'], ['保存', 'FileSave'],
+  ['取消', 'FileCancel'], null,
+  ['首条', 'RecordTop'], ['上条', 'RecordPrevious'], ['下条', 'RecordNext'], ['末条', 'RecordBottom'],
+  null, ['查找', 'Find'], ['过滤', 'Filter'], ['刷新', 'Refresh'], null,
+  ['审核', 'Check'], ['弃审', 'UnCheck'], null, ['打印', 'DoPrint'], ['预览', 'PrintPreview'],
+  ['导出', 'Export'],
+];
+
+// Which commands the screen allows now: a sheet by IsDirty (and the edit mode that FileNew
+// and FileEdit entered), GetID, CheckStatus and Attributes(98); a report finds, filters,
+// refreshes and prints.
+function enabledCommands(tab) {
+  const on = new Set();
+  if (!tab || !tab.state) return on;
+  const s = tab.state;
+  if (!('IsDirty' in s)) {
+    ['Find', 'Filter', 'Refresh', 'DoPrint', 'PrintPreview', 'Export'].forEach((x) => on.add(x));
+    return on;
+  }
+  const editing = !!s.IsDirty || tab.editing;
+  const id = Number(s.GetID) || 0;
+  const approvable = s.Attributes98 === 'check';
+  const approved = approvable && !!s.CheckStatus;
+  if (editing) {
+    on.add('FileSave');
+    on.add('FileCancel');
+    return on;
+  }
+  on.add('FileNew');
+  // A document (a sheet with approval) is edited, deleted and printed only when a record is
+  // shown; master sheets answer 0 from GetID and tell "no selection" themselves.
+  const hasRecord = !approvable || id > 0;
+  if (hasRecord && !approved) { on.add('FileEdit'); on.add('FileDelete'); }
+  ['RecordTop', 'RecordPrevious', 'RecordNext', 'RecordBottom', 'Find', 'Filter', 'Refresh']
+    .forEach((x) => on.add(x));
+  if (approvable && id > 0) on.add(approved ? 'UnCheck' : 'Check');
+  if (hasRecord) { on.add('DoPrint'); on.add('PrintPreview'); }
+  on.add('Export');
+  return on;
+}
+
+function drawToolbar() {
+  const bar = $('toolbar');
+  bar.textContent = '';
+  // While a command runs the toolbar waits for it.
+  const on = toolbarBusy ? new Set() : enabledCommands(active);
+  for (const item of TOOLBAR) {
+    if (!item) { bar.append(el('span', { class: 'sep' })); continue; }
+    const [label, cmd] = item;
+    bar.append(el('button', { type: 'button', text: label, 'data-cmd': cmd,
+      disabled: !on.has(cmd), onclick: () => active && toolbarCommand(active, cmd) }));
+  }
+}
+
+async function toolbarCommand(tab, cmd) {
+  if (toolbarBusy) return;
+  toolbarBusy = true;
+  drawToolbar();
+  try {
+    if (cmd === 'DoPrint' || cmd === 'PrintPreview' || cmd === 'Export') {
+      await alertLayer((cmd === 'Export' ? '导出' : '打印和预览') + '暂不可用（not available yet）', tab.name);
+      return;
+    }
+    let args = [];
+    if (cmd === 'Find' || cmd === 'Filter') {
+      const cond = await findLayer(cmd === 'Find' ? '查找' : '过滤');
+      if (cond === undefined) return;
+      args = [cond];
+    }
+    const a = await settle(await protocol({ op: 'call', screen: tab.screen, method: cmd, args }), tab);
+    if (a.ok && a.result !== false) {
+      if (cmd === 'FileNew' || cmd === 'FileEdit') tab.editing = true;
+      if (cmd === 'FileSave' || cmd === 'FileCancel' || cmd === 'FileDelete') tab.editing = false;
+    } else if (!a.ok) {
+      await alertLayer(a.error || '操作失败', tab.name);
+    }
+    await refreshState(tab);
+  } finally {
+    toolbarBusy = false;
+    drawToolbar();
+  }
+}
+
+// The host's find and filter dialog: rows of field, operator and value, as the condition
+// array the sheets take (plane 0 filter, plane 1 find). Without a field the screen asks
+// for itself (a tree sheet's find asks for a node name).
+function findLayer(title) {
+  return new Promise((resolve) => {
+    const rows = el('div', { class: 'find-rows' });
+    const addRow = () => {
+      const field = el('input', { type: 'text', placeholder: '字段（如 合同编号）', class: 'find-field' });
+      const op = el('select', { class: 'find-op' },
+        ['like', '=', '>=', '<=', '>', '<', '<>'].map((o) => el('option', { value: o, text: o })));
+      const value = el('input', { type: 'text', placeholder: '值', class: 'find-value' });
+      const date = el('label', null, el('input', { type: 'checkbox', class: 'find-date' }), '日期');
+      rows.append(el('div', { class: 'find-row' }, field, op, value, date));
+    };
+    addRow();
+    let close;
+    const ok = () => {
+      const conds = [];
+      for (const r of rows.children) {
+        const f = r.querySelector('.find-field').value.trim();
+        const v = r.querySelector('.find-value').value;
+        if (!f) continue;
+        const type = r.querySelector('.find-date').checked ? 7 : 8;
+        conds.push([v, f + ' ' + r.querySelector('.find-op').value, type]);
+      }
+      close();
+      resolve(conds.length ? [conds, conds] : null);
+    };
+    ({ close } = openLayer({
+      title, name: 'find',
+      body: [el('div', { class: 'hint', text: '不填字段时由界面自行询问。' }), rows,
+             el('button', { type: 'button', text: '添加条件', onclick: addRow })],
+      buttons: [el('button', { type: 'button', text: '确定', onclick: ok }),
+                el('button', { type: 'button', text: '取消', onclick: () => { close(); resolve(undefined); } })],
+      onClose: () => resolve(undefined),
+    }));
+    rows.querySelector('input').focus();
+  });
+}
+
+// ---------------------------------------------------------------- menu, sign-in
+
+async function loadMenu() {
+  const a = await api('GET', '/api/menu');
+  const nav = $('menu');
+  nav.textContent = '';
+  menuEntries = new Map();
+  for (const g of a.groups) {
+    const d = el('details', { open: true }, el('summary', { text: g.name || '其他' }));
+    for (const e of g.entries) {
+      menuEntries.set(e.progID, e);
+      d.append(el('button', { type: 'button', class: 'entry' + (e.ready ? '' : ' unready'),
+        text: e.name, 'data-prog': String(e.progID), title: e.ready ? e.class : e.class + '（尚未提供）',
+        onclick: () => openScreen(e.progID, 0) }));
+    }
+    nav.append(d);
+  }
+}
+
+function showPage(id) {
+  for (const p of ['signin', 'password', 'app']) $(p).hidden = p !== id;
+}
+
+function today() {
+  const d = new Date();
+  const p = (n) => String(n).padStart(2, '0');
+  return `${d.getFullYear()}-${p(d.getMonth() + 1)}-${p(d.getDate())}`;
+}
+
+function signedOut(message) {
+  session.csrf = '';
+  for (const t of tabs.splice(0)) { t.node.remove(); t.tabEl.remove(); }
+  active = null;
+  $('layers').textContent = '';
+  $('signin-error').textContent = message || '';
+  $('signin-date').value = today();
+  showPage('signin');
+  $('signin-user').focus();
+}
+
+async function enter(s) {
+  Object.assign(session, s);
+  if (s.must_change) {
+    $('password-note').hidden = false;
+    $('password-back').hidden = true;
+    showPage('password');
+    $('password-old').focus();
+    return;
+  }
+  $('who').textContent = `${s.user} · 登录日期 ${s.login_date}`;
+  showPage('app');
+  drawToolbar();
+  try { await loadMenu(); } catch (e) { status(e.message); }
+}
+
+$('signin-form').addEventListener('submit', async (e) => {
+  e.preventDefault();
+  $('signin-error').textContent = '';
+  try {
+    const s = await api('POST', '/api/signin', {
+      user: $('signin-user').value, password: $('signin-password').value,
+      login_date: $('signin-date').value || null,
+    });
+    $('signin-password').value = '';
+    await enter(s);
+  } catch (err) {
+    $('signin-error').textContent = err.message;
+  }
+});
+
+$('password-form').addEventListener('submit', async (e) => {
+  e.preventDefault();
+  $('password-error').textContent = '';
+  if ($('password-new').value !== $('password-again').value) {
+    $('password-error').textContent = '两次输入的新密码不一致';
+    return;
+  }
+  try {
+    const s = await api('POST', '/api/password',
+      { old: $('password-old').value, new: $('password-new').value });
+    for (const id of ['password-old', 'password-new', 'password-again']) $(id).value = '';
+    await enter(s);
+    status('密码已修改');
+  } catch (err) {
+    $('password-error').textContent = err.message;
+  }
+});
+
+$('password-back').addEventListener('click', () => showPage('app'));
+$('change-password').addEventListener('click', () => {
+  $('password-note').hidden = true;
+  $('password-back').hidden = false;
+  showPage('password');
+  $('password-old').focus();
+});
+$('signout').addEventListener('click', async () => {
+  try { await api('POST', '/api/signout', {}); } catch (e) { /* signed out either way */ }
+  signedOut('已退出');
+});
+
+(async function start() {
+  $('signin-date').value = today();
+  try {
+    const s = await api('GET', '/api/session');
+    await enter(s);
+  } catch (e) {
+    signedOut('');
+  }
+})();

@@ -1,0 +1,73 @@
+// Starts `mrvk serve` on a fresh SQLite database and a headless Debian chromium for the
+// browser tests. MRVK_BIN names the executable (default: build/mrvk of the project);
+// MRVK_E2E_ARTIFACTS the folder of the screenshots (default: build/e2e-artifacts).
+import { spawn } from 'node:child_process';
+import { mkdtempSync, mkdirSync, rmSync } from 'node:fs';
+import { tmpdir } from 'node:os';
+import path from 'node:path';
+import { fileURLToPath } from 'node:url';
+import { chromium } from 'playwright-core';
+
+const root = path.resolve(path.dirname(fileURLToPath(import.meta.url)), '..', '..');
+export const binary = process.env.MRVK_BIN || path.join(root, 'build', 'mrvk');
+export const artifacts = process.env.MRVK_E2E_ARTIFACTS || path.join(root, 'build', 'e2e-artifacts');
+export const chromiumPath = process.env.MRVK_CHROMIUM || '/usr/bin/chromium';
+
+// Runs `mrvk serve` on any free port; resolves to { url, password, stop }.
+export async function startServer() {
+  const dir = mkdtempSync(path.join(tmpdir(), 'mrvk-e2e-'));
+  const child = spawn(binary, ['serve', '--database', `sqlite://${dir}/e2e.sqlite3`, '--port', '0',
+                               '--app-path', dir], { stdio: ['ignore', 'pipe', 'pipe'] });
+  let out = '';
+  let err = '';
+  child.stderr.on('data', (d) => { err += d; });
+  const ready = await new Promise((resolve, reject) => {
+    const timer = setTimeout(() => reject(new Error('mrvk serve did not start: ' + out + err)), 20000);
+    child.stdout.on('data', (d) => {
+      out += d;
+      const port = /listening on (http:\/\/[^/\s]+\/)/.exec(out);
+      const pw = /one-time password: (\S+)/.exec(out);
+      if (port && pw) { clearTimeout(timer); resolve({ url: port[1], password: pw[1] }); }
+    });
+    child.on('exit', (code) => reject(new Error(`mrvk serve ended (${code}): ${out}${err}`)));
+  });
+  const stop = async () => {
+    if (child.exitCode === null) {
+      child.kill('SIGTERM');
+      await new Promise((r) => child.on('exit', r));
+    }
+    rmSync(dir, { recursive: true, force: true });
+  };
+  return { ...ready, stop };
+}
+
+export async function startBrowser() {
+  mkdirSync(artifacts, { recursive: true });
+  const browser = await chromium.launch({
+    executablePath: chromiumPath, headless: true,
+    args: ['--no-sandbox', '--disable-gpu', '--disable-dev-shm-usage'],
+  });
+  const context = await browser.newContext({ viewport: { width: 1280, height: 800 }, locale: 'zh-CN' });
+  context.setDefaultTimeout(8000);
+  return { browser, context };
+}
+
+export async function shot(page, name) {
+  await page.screenshot({ path: path.join(artifacts, name + '.png'), fullPage: true });
+}
+
+// Signs in; on the administrator's first sign-in changes the one-time password to `next`.
+export async function signIn(page, url, user, password, next) {
+  await page.goto(url);
+  await page.fill('#signin-user', user);
+  await page.fill('#signin-password', password);
+  await page.click('#signin-submit');
+  if (next) {
+    await page.waitForSelector('#password:not([hidden])');
+    await page.fill('#password-old', password);
+    await page.fill('#password-new', next);
+    await page.fill('#password-again', next);
+    await page.click('#password-submit');
+  }
+  await page.waitForSelector('#app:not([hidden]) #menu button.entry');
+}

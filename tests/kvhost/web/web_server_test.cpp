@@ -1,0 +1,371 @@
+// The web client's server over real HTTP (cpp-httplib's client against an in-process server
+// on a free port), on both engines: sign-in, the first run, sessions, request tokens, and the
+// screen protocol bound to each person's own session.
+#include "kvhost/web/web_server.h"
+
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+#include "kvhost/web/user_store.h"
+#include "support/engines.h"
+
+namespace kvhost::web {
+namespace {
+
+using nlohmann::json;
+
+constexpr int kFastHash = 1000;  // the slow hash's minimum: tests sign in many times
+
+struct Reply {
+  int status = 0;
+  json body;
+  std::string set_cookie;
+};
+
+// One browser: its cookie and its request token.
+struct Browser {
+  std::string cookie;
+  std::string csrf;
+};
+
+class WebServerTest : public kvtest::EngineTest {
+ protected:
+  void SetUp() override {
+    kvtest::EngineTest::SetUp();
+    if (IsSkipped() || HasFatalFailure()) return;
+    ServeOptions options;
+    options.app.database = url();
+    options.app.app_path = std::filesystem::temp_directory_path().string();
+    options.app.hash_iterations = kFastHash;
+    options.app.recheck_user = std::chrono::seconds(0);
+    options.port = 0;
+    options.static_dir = MRVK_WEB_STATIC_DIR;
+    options.threads = 8;
+    server_ = std::make_unique<WebServer>(options);
+    Status st = server_->Start(admin_password_);
+    ASSERT_TRUE(st.ok()) << st.message();
+    ASSERT_FALSE(admin_password_.empty());
+    runner_ = std::thread([this] { server_->Run(); });
+    client_ = std::make_unique<httplib::Client>("127.0.0.1", server_->port());
+    client_->set_read_timeout(30, 0);
+  }
+  void TearDown() override {
+    if (server_) server_->Stop();
+    if (runner_.joinable()) runner_.join();
+    server_.reset();
+    kvtest::EngineTest::TearDown();
+  }
+
+  Reply Send(const std::string& method, const std::string& path, const std::string& body,
+             const Browser* b, bool with_token = true,
+             const std::string& content_type = "application/json") {
+    httplib::Headers headers;
+    if (b && !b->cookie.empty()) headers.emplace("Cookie", b->cookie);
+    if (b && with_token) headers.emplace("X-CSRF-Token", b->csrf);
+    httplib::Result r = method == "GET" ? client_->Get(path.c_str(), headers)
+                                        : client_->Post(path.c_str(), headers, body, content_type);
+    EXPECT_TRUE(r) << "no answer from " << path;
+    if (!r) return {};
+    Reply out{r->status, json(), r->get_header_value("Set-Cookie")};
+    out.body = json::parse(r->body, nullptr, /*allow_exceptions=*/false);
+    return out;
+  }
+  Reply Post(const std::string& path, const json& body, const Browser* b) {
+    return Send("POST", path, body.dump(), b);
+  }
+  Reply Protocol(const Browser& b, const json& req) { return Post("/api/protocol", req, &b); }
+
+  // Signs in and keeps the session cookie and token.
+  Reply SignIn(const std::string& user, const std::string& password, Browser& b,
+               const std::string& login_date = "") {
+    json body = {{"user", user}, {"password", password}};
+    if (!login_date.empty()) body["login_date"] = login_date;
+    Reply r = Post("/api/signin", body, nullptr);
+    if (r.status == 200) {
+      b.cookie = r.set_cookie.substr(0, r.set_cookie.find(';'));
+      b.csrf = r.body["csrf"].get<std::string>();
+    }
+    return r;
+  }
+  // A clerk with a password of their own, signed in.
+  Browser Clerk(const std::string& name) {
+    UserStore users(db(), kFastHash);
+    EXPECT_TRUE(users.Add(name, "clerk-password").ok());
+    Browser b;
+    Reply r = SignIn(name, "clerk-password", b);
+    EXPECT_EQ(r.status, 200) << r.body.dump();
+    return b;
+  }
+  int Open(const Browser& b, int progID) {
+    Reply r = Protocol(b, {{"op", "open"}, {"progID", progID}});
+    EXPECT_EQ(r.status, 200) << r.body.dump();
+    return r.body.value("result", 0);
+  }
+  std::string Error(const Reply& r) { return r.body.value("error", std::string("<none>")); }
+
+  std::unique_ptr<WebServer> server_;
+  std::thread runner_;
+  std::unique_ptr<httplib::Client> client_;
+  std::string admin_password_;
+};
+
+TEST_P(WebServerTest, FirstRunAdministratorMustChangeTheOneTimePassword) {
+  Browser admin;
+  Reply r = SignIn("admin", admin_password_, admin);
+  ASSERT_EQ(r.status, 200) << r.body.dump();
+  EXPECT_TRUE(r.body["must_change"].get<bool>());
+  EXPECT_NE(r.set_cookie.find("HttpOnly"), std::string::npos) << r.set_cookie;
+  EXPECT_NE(r.set_cookie.find("SameSite=Strict"), std::string::npos) << r.set_cookie;
+
+  // Nothing but the password change until it is done.
+  r = Send("GET", "/api/menu", "", &admin);
+  EXPECT_EQ(r.status, 403);
+  EXPECT_EQ(Error(r), "请先修改初始密码");
+  r = Protocol(admin, {{"op", "open"}, {"progID", 870001}});
+  EXPECT_EQ(r.status, 403);
+
+  r = Post("/api/password", {{"old", "wrong-password"}, {"new", "new-password-1"}}, &admin);
+  EXPECT_EQ(r.status, 403);
+  EXPECT_EQ(Error(r), "原密码不正确");
+  r = Post("/api/password", {{"old", admin_password_}, {"new", "short"}}, &admin);
+  EXPECT_EQ(r.status, 400);
+  EXPECT_EQ(Error(r), "新密码至少8个字符");
+  r = Post("/api/password", {{"old", admin_password_}, {"new", "new-password-1"}}, &admin);
+  ASSERT_EQ(r.status, 200) << r.body.dump();
+  EXPECT_FALSE(r.body["must_change"].get<bool>());
+
+  r = Send("GET", "/api/menu", "", &admin);
+  ASSERT_EQ(r.status, 200) << r.body.dump();
+  ASSERT_FALSE(r.body["groups"].empty());
+  EXPECT_EQ(r.body["groups"][0]["name"], "基础资料");
+  EXPECT_EQ(r.body["groups"][0]["entries"][0]["progID"], 870001);
+  EXPECT_EQ(r.body["groups"][0]["entries"][0]["name"], "楼宇信息");
+
+  // The one-time password is gone; a second start creates no second administrator.
+  Browser again;
+  EXPECT_EQ(SignIn("admin", admin_password_, again).status, 401);
+  EXPECT_EQ(SignIn("admin", "new-password-1", again).status, 200);
+  WebApp second({.database = url(), .hash_iterations = kFastHash});
+  std::string none;
+  ASSERT_TRUE(second.Start(none).ok());
+  EXPECT_EQ(none, "");
+  EXPECT_EQ(Scalar("select count(*) from xt_user"), "1");
+}
+
+TEST_P(WebServerTest, SignInRefusalsAndTheWorkingDate) {
+  Browser b;
+  Reply r = SignIn("admin", "not-the-password", b);
+  EXPECT_EQ(r.status, 401);
+  EXPECT_EQ(Error(r), "用户名或密码错误");
+  EXPECT_EQ(r.set_cookie, "");
+  // An unknown name gets the same answer as a wrong password.
+  r = SignIn("nobody", "not-the-password", b);
+  EXPECT_EQ(r.status, 401);
+  EXPECT_EQ(Error(r), "用户名或密码错误");
+
+  UserStore users(db(), kFastHash);
+  ASSERT_TRUE(users.Add("李四", "clerk-password").ok());
+  r = SignIn("李四", "clerk-password", b, "2012-13-40");
+  EXPECT_EQ(r.status, 400);
+  EXPECT_EQ(Error(r), "登录日期不是有效日期：2012-13-40");
+  r = SignIn("李四", "clerk-password", b, "2012-3-5");
+  ASSERT_EQ(r.status, 200) << r.body.dump();
+  EXPECT_EQ(r.body["login_date"], "2012-03-05");
+  EXPECT_EQ(r.body["user"], "李四");
+  EXPECT_FALSE(r.body["must_change"].get<bool>());
+
+  // Disabling ends the running session at its next request, and refuses a new sign-in.
+  ASSERT_TRUE(users.SetDisabled("李四", /*disabled=*/true).ok());
+  r = Send("GET", "/api/session", "", &b);
+  EXPECT_EQ(r.status, 401);
+  EXPECT_EQ(Error(r), "登录已失效，请重新登录");
+  r = SignIn("李四", "clerk-password", b);
+  EXPECT_EQ(r.status, 403);
+  EXPECT_EQ(Error(r), "该用户已停用");
+
+  r = Post("/api/signin", {{"user", "李四"}}, nullptr);
+  EXPECT_EQ(r.status, 400);
+  EXPECT_EQ(Error(r), "a sign-in names \"user\" and \"password\"");
+}
+
+TEST_P(WebServerTest, BadRequestsGetAClear4xxAndChangeNothing) {
+  Browser clerk = Clerk("王五");
+  const int screen = Open(clerk, 870001);
+  ASSERT_GT(screen, 0);
+  // A building typed in but not saved: no refused request below may save it.
+  ASSERT_EQ(Protocol(clerk, {{"op", "call"}, {"screen", screen}, {"method", "FileNew"}}).status,
+            200);
+  ASSERT_EQ(Protocol(clerk, {{"op", "gesture"},
+                             {"screen", screen},
+                             {"control", "kvTxt"},
+                             {"index", 0},
+                             {"gesture", "type"},
+                             {"text", "B01"}})
+                .status,
+            200);
+  ASSERT_EQ(Protocol(clerk, {{"op", "gesture"},
+                             {"screen", screen},
+                             {"control", "kvTxt"},
+                             {"index", 1},
+                             {"gesture", "type"},
+                             {"text", "一号楼"}})
+                .status,
+            200);
+  const json save = {{"op", "call"}, {"screen", screen}, {"method", "FileSave"}};
+  struct Case {
+    const char* what;
+    Reply reply;
+    int status;
+    std::string error;
+  };
+  Browser no_session;
+  Browser wrong_token = clerk;
+  wrong_token.csrf = std::string(64, '0');
+  Browser stale = clerk;
+  stale.cookie = "mrvk_session=" + std::string(64, 'a');
+  const std::vector<Case> cases = {
+      {"no session", Post("/api/protocol", save, &no_session), 401,
+       "未登录或登录已过期，请重新登录"},
+      {"unknown session", Protocol(stale, save), 401, "未登录或登录已过期，请重新登录"},
+      {"missing token", Send("POST", "/api/protocol", save.dump(), &clerk, /*with_token=*/false),
+       403, "the request token (X-CSRF-Token) is missing or wrong"},
+      {"wrong token", Protocol(wrong_token, save), 403,
+       "the request token (X-CSRF-Token) is missing or wrong"},
+      {"not JSON typed", Send("POST", "/api/protocol", save.dump(), &clerk, true, "text/plain"),
+       415, "requests are JSON (Content-Type: application/json)"},
+      {"malformed JSON", Send("POST", "/api/protocol", "{\"op\":\"call\",", &clerk), 400, ""},
+      {"not an object", Send("POST", "/api/protocol", "[1,2]", &clerk), 400,
+       "a request is a JSON object"},
+      {"no op", Protocol(clerk, {{"screen", screen}}), 400, "missing field \"op\""},
+      {"unknown op", Protocol(clerk, {{"op", "explode"}}), 400, "unknown op \"explode\""},
+      {"sql", Protocol(clerk, {{"op", "sql"}, {"query", "delete from fwly"}}), 403, ""},
+      {"session", Protocol(clerk, {{"op", "session"}, {"database", "sqlite://"}}), 403, ""},
+      {"unknown screen", Protocol(clerk, {{"op", "call"}, {"screen", 77}, {"method", "FileSave"}}),
+       404, "no screen 77 is open in this session"},
+      {"screen as text", Protocol(clerk, {{"op", "state"}, {"screen", "1"}}), 400,
+       "\"state\" names a screen"},
+      {"unknown entry", Protocol(clerk, {{"op", "open"}, {"progID", 999}}), 404,
+       "no menu entry 999"},
+      {"class of another entry",
+       Protocol(clerk, {{"op", "open"}, {"progID", 870001}, {"class", "zfHd_2"}}), 400,
+       "progID 870001 is served by PDMLy, not zfHd_2"},
+      {"unknown API", Post("/api/nothing", json::object(), &clerk), 404,
+       "no such API: /api/nothing"},
+      {"GET of a POST", Send("GET", "/api/protocol", "", &clerk), 405, "use POST"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(c.reply.status, c.status) << c.what << ": " << c.reply.body.dump();
+    ASSERT_TRUE(c.reply.body.is_object()) << c.what;
+    EXPECT_EQ(c.reply.body.value("ok", true), false) << c.what;
+    if (!c.error.empty())
+      EXPECT_EQ(Error(c.reply), c.error) << c.what;
+    else
+      EXPECT_NE(Error(c.reply), "<none>") << c.what;
+  }
+  // A request from another site's page is refused even with the right cookie and token.
+  httplib::Headers foreign = {
+      {"Cookie", clerk.cookie}, {"X-CSRF-Token", clerk.csrf}, {"Origin", "http://evil.example"}};
+  auto r = client_->Post("/api/protocol", foreign, save.dump(), "application/json");
+  ASSERT_TRUE(r);
+  EXPECT_EQ(r->status, 403);
+  EXPECT_NE(r->body.find("another origin"), std::string::npos) << r->body;
+
+  EXPECT_EQ(Scalar("select count(*) from fwly"), "0");
+  // The screen is still in its edit: the one good request saves it.
+  Reply saved = Protocol(clerk, save);
+  ASSERT_EQ(saved.status, 200) << saved.body.dump();
+  EXPECT_EQ(saved.body["result"], true);
+  EXPECT_EQ(Scalar("select 楼宇名称 from fwly where 楼宇编号='B01'"), "一号楼");
+}
+
+TEST_P(WebServerTest, AnotherPersonsScreenIsOutOfReach) {
+  Browser a = Clerk("甲");
+  Browser b = Clerk("乙");
+  const int screen = Open(a, 870001);
+  for (const json& req : {json{{"op", "state"}, {"screen", screen}},
+                          json{{"op", "call"}, {"screen", screen}, {"method", "FileNew"}},
+                          json{{"op", "close"}, {"screen", screen}},
+                          json{{"op", "gesture"},
+                               {"screen", screen},
+                               {"control", "TV"},
+                               {"gesture", "select"},
+                               {"key", "ROOT"}}}) {
+    Reply r = Protocol(b, req);
+    EXPECT_EQ(r.status, 404) << req.dump();
+    EXPECT_EQ(Error(r), "no screen " + std::to_string(screen) + " is open in this session");
+  }
+  // a's screen is untouched, and a's state carries the toolbar's facts.
+  Reply r = Protocol(a, {{"op", "state"}, {"screen", screen}});
+  ASSERT_EQ(r.status, 200) << r.body.dump();
+  EXPECT_EQ(r.body["result"]["IsDirty"], false);
+  EXPECT_EQ(r.body["result"]["GetID"], 0);
+  EXPECT_EQ(r.body["result"]["CheckStatus"], false);
+  EXPECT_EQ(r.body["result"]["Attributes98"], "");
+  EXPECT_EQ(r.body["result"]["class"], "PDMLy");
+
+  // Signing out ends the session: its screen and cookie are gone.
+  ASSERT_EQ(Post("/api/signout", json::object(), &a).status, 200);
+  r = Protocol(a, {{"op", "state"}, {"screen", screen}});
+  EXPECT_EQ(r.status, 401);
+}
+
+TEST_P(WebServerTest, AQuestionWaitingForOnePersonBlocksNoOneElse) {
+  Exec("insert into fwly (楼宇ID,楼宇编号,楼宇名称) values (1,'B01','一号楼')");
+  Browser a = Clerk("甲");
+  Browser b = Clerk("乙");
+  const int screen = Open(a, 870001);
+  Reply r = Protocol(a, {{"op", "gesture"},
+                         {"screen", screen},
+                         {"control", "TV"},
+                         {"gesture", "select"},
+                         {"key", "KB01"}});
+  ASSERT_EQ(r.status, 200) << r.body.dump();
+  r = Protocol(a, {{"op", "call"}, {"screen", screen}, {"method", "FileDelete"}});
+  ASSERT_EQ(r.status, 200) << r.body.dump();
+  ASSERT_TRUE(r.body.contains("pending")) << r.body.dump();
+  EXPECT_EQ(r.body["pending"]["prompt"], "是否删除当前记录:B01 一号楼");
+  EXPECT_EQ(r.body["pending"]["flags"], 52);
+
+  // While a's question waits, b opens and works at once.
+  const auto start = std::chrono::steady_clock::now();
+  const int b_screen = Open(b, 870001);
+  r = Protocol(b, {{"op", "state"}, {"screen", b_screen}});
+  EXPECT_EQ(r.status, 200) << r.body.dump();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+  // a's own requests wait for the answer.
+  r = Protocol(a, {{"op", "state"}, {"screen", screen}});
+  EXPECT_EQ(r.status, 422);
+  EXPECT_NE(Error(r).find("a msgbox is waiting for an answer"), std::string::npos) << Error(r);
+
+  r = Protocol(a, {{"op", "answer"}, {"value", 7}});
+  ASSERT_EQ(r.status, 200) << r.body.dump();
+  EXPECT_EQ(r.body["result"], false);
+  EXPECT_EQ(Scalar("select count(*) from fwly"), "1");
+}
+
+TEST_P(WebServerTest, ServesTheClientWithStrictHeaders) {
+  auto r = client_->Get("/");
+  ASSERT_TRUE(r);
+  EXPECT_EQ(r->status, 200);
+  EXPECT_NE(r->body.find("<script src=\"app.js\""), std::string::npos);
+  EXPECT_NE(r->get_header_value("Content-Security-Policy").find("script-src 'self'"),
+            std::string::npos);
+  EXPECT_EQ(r->get_header_value("X-Frame-Options"), "DENY");
+  r = client_->Get("/app.js");
+  ASSERT_TRUE(r);
+  EXPECT_EQ(r->status, 200);
+  EXPECT_NE(r->get_header_value("Content-Type").find("javascript"), std::string::npos);
+  r = client_->Get("/api/session");
+  ASSERT_TRUE(r);
+  EXPECT_EQ(r->status, 401);
+  EXPECT_EQ(r->get_header_value("Cache-Control"), "no-store");
+}
+
+MRVK_ON_BOTH_ENGINES(WebServerTest);
+
+}  // namespace
+}  // namespace kvhost::web
