@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "kvhost/pickers/statement_picker.h"
 #include "mrvk/frame/data_access.h"
 #include "mrvk/frame/vb.h"
 
@@ -123,13 +124,35 @@ void HostContext::ShowPicker(KvTxt& field, std::string& text, mrvk::Variant& val
   pickers_.ShowFieldPicker(field, text, value);
 }
 
+// The field's check statement with every @ standing for the typed text (quotes doubled). A
+// field without a statement whose picker key names a service asks that service. Nothing
+// found: the field's message (its caption and "输入有误，请重新输入！" when it has none),
+// value 0, the text as typed.
 void HostContext::CheckPicker(KvTxt& field, const std::string& typed, mrvk::Variant& value,
                               std::string& text) {
-  std::string sql = field.Config.ValidateSql;
-  const std::string escaped = mrvk::SqlText(typed);
-  for (size_t at = sql.find('@'); at != std::string::npos; at = sql.find('@', at + escaped.size()))
-    sql.replace(at, 1, escaped);
-  auto rs = db_.CreateCommand(sql, 1)->OpenRecordset();
+  const std::string message = field.Config.ErrorMessage.empty()
+                                  ? mrvk::Trim(field.Caption) + "输入有误，请重新输入！"
+                                  : field.Config.ErrorMessage;
+  if (mrvk::Trim(field.Config.ValidateSql).empty()) {
+    mrvk::IHostPicker* service = pickers_.Service(field.Config.PickerKey);
+    if (!service || !service->Init(0)) {
+      mrvk::MsgBox("没有可用的选择列表：" + field.Config.PickerKey, mrvk::msgbox::kInformation, "");
+      return;
+    }
+    mrvk::Variant found_value;
+    std::string found_text;
+    if (service->Validate(field.Config.PickerKey, field.Config.ValueColumn,
+                          field.Config.DisplayColumn, typed, found_value, found_text)) {
+      value = found_value;
+      text = found_text;
+      return;
+    }
+    value = mrvk::Variant(int32_t{0});
+    text = typed;
+    mrvk::MsgBox(message, mrvk::msgbox::kExclamation, "");
+    return;
+  }
+  auto rs = db_.CreateCommand(SpliceTyped(field.Config.ValidateSql, typed), 1)->OpenRecordset();
   const std::string error = db_.Error().Description();
   if (!error.empty()) {
     mrvk::MsgBox(error, mrvk::msgbox::kCritical, "");
@@ -138,7 +161,7 @@ void HostContext::CheckPicker(KvTxt& field, const std::string& typed, mrvk::Vari
   if (rs->Eof() && rs->Bof()) {
     value = mrvk::Variant(int32_t{0});
     text = typed;
-    mrvk::MsgBox(field.Config.ErrorMessage, mrvk::msgbox::kExclamation, "");
+    mrvk::MsgBox(message, mrvk::msgbox::kExclamation, "");
     return;
   }
   value = rs->Fields(field.Config.ValueColumn).Value;

@@ -7,6 +7,8 @@
 #include "mrvk/master/pdm_ly.h"
 #include "mrvk/master/pdm_wy.h"
 #include "mrvk/master/pdm_yz.h"
+#include "mrvk/master/sel_pdm.h"
+#include "mrvk/master/sel_pdm_fy.h"
 
 namespace mrvk {
 
@@ -51,6 +53,10 @@ struct Factories {
 void RegisterModuleClasses(Factories& f) {
   f.by_name["PDMLy"] = [] { return NewPDMLy(); };
   f.by_name["PDMWy"] = [] { return NewPDMWy(); };
+  f.by_name["selPdm"] = [] { return NewSelPdm(); };
+  f.by_name["clsPdm"] = [] { return NewClsPdm(); };
+  f.by_name["selPdmFy"] = [] { return NewSelPdmFy(); };
+  f.by_name["clsFy"] = [] { return NewClsFy(); };
   f.by_name["PDMYz"] = [] { return NewPDMYz(); };
   f.by_name["PDMFykm"] = [] { return NewPDMFykm(); };
 }

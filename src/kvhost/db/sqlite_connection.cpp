@@ -113,6 +113,11 @@ constexpr FunctionDef kFunctions[] = {
 SqliteConnection::~SqliteConnection() {
   Flush();
   for (auto& [sql, entry] : cache_) sqlite3_finalize(entry.stmt);
+  // The planner's statistics of the tables this connection searched by an index, as SQLite
+  // advises at close (bounded work): without them a lookup by code or name (the pickers'
+  // check of a typed text) walks the index of 类型 instead, milliseconds on 50,000 parties.
+  if (db_)
+    sqlite3_exec(db_, "PRAGMA analysis_limit=1000; PRAGMA optimize;", nullptr, nullptr, nullptr);
   if (db_) sqlite3_close_v2(db_);
 }
 

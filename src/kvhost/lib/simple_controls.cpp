@@ -23,6 +23,12 @@ std::string TextBox::Apply(const Gesture& g) {
     Raise(LostFocus);
     return "";
   }
+  if (g.kind == "keydown") {
+    if (std::string why = RefusesInput(/*locked_counts=*/false); !why.empty()) return why;
+    if (g.row < 0) return DisplayName() + ": keydown needs the key code in row";
+    if (KeyDown) KeyDown(g.row, g.col < 0 ? 0 : g.col);
+    return "";
+  }
   return Unsupported(g);
 }
 

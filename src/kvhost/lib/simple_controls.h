@@ -24,7 +24,8 @@ class Frame : public Control {
       : Control(std::move(type_name), std::move(name), index) {}
 };
 
-// A text box ("TextBox"). type: Text = text, then Change; leave: LostFocus.
+// A text box ("TextBox"). type: Text = text, then Change; leave: LostFocus; keydown (row =
+// the key code, col = the shift state, 0 when not given): KeyDown.
 class TextBox : public Control {
  public:
   TextBox(std::string name, int index = -1) : Control("TextBox", std::move(name), index) {}
@@ -33,6 +34,7 @@ class TextBox : public Control {
   bool MultiLine = false;
   std::function<void()> Change;
   std::function<void()> LostFocus;
+  std::function<void(int key_code, int shift)> KeyDown;
   std::string Apply(const Gesture& gesture) override;
 
  protected:

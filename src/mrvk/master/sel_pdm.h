@@ -75,6 +75,11 @@ class selPdm : public ModuleObject, public IPickerUI, public IDesignUI, public I
   void Vs_KeyDown(int key_code, int shift);
   void Txt_KeyDown(int index, int key_code, int shift);
 
+  // The find box's text as it stood at the last confirm.
+  const std::string& LastFind() const { return find_text_; }
+  // The grid columns the find box searches; empty for the grid's current column.
+  const std::vector<int>& FindColumns() const { return find_columns_; }
+
   // The screen: the list, the find box Txt(0) with the columns it searches in Txt(1) and the
   // matching mode in Check, and the buttons.
   kvhost::VsFlexGrid Vs{"Vs"};
@@ -102,6 +107,12 @@ class selPdm : public ModuleObject, public IPickerUI, public IDesignUI, public I
   std::string Param(const std::string& name) const;
   // Searches the find columns for the find box's text (ChkFind).
   void ChkFind();
+  // Asks for the find columns by an input box and parses them when they changed.
+  void AskFindColumns();
+  // The current row when it is a data row that shows; -1 otherwise.
+  int CurrentDataRow() const;
+  // Applies `single` (one row or several) to the grid and the buttons.
+  virtual void ApplyMode();
   // Parses Txt(1) ("列1;列2;...列n": column numbers, or captions of the grid's header) into
   // the find columns.
   void ParseFindColumns();
@@ -116,7 +127,8 @@ class selPdm : public ModuleObject, public IPickerUI, public IDesignUI, public I
   std::unique_ptr<kvhost::Convert> convert_;
   std::unique_ptr<clsPdm> pdm_;
   std::vector<int> find_columns_;
-  std::string find_text_;  // the find box's text at the last confirm
+  std::string parsed_columns_;  // the text of Txt(1) find_columns_ came from
+  std::string find_text_;       // the find box's text at the last confirm
   bool single_ = false;
   bool dirty_ = false;
   Variant value_;

@@ -381,5 +381,36 @@ TEST_F(TreeViewTest, ClickReselectAndUnhook) {
   EXPECT_EQ(tree.NodeAdd(nullptr, R::Last, "K8", "8"), nullptr);
 }
 
+TEST_F(TreeViewTest, ExpandAndCollapseTouchOnlyNodesWithChildrenOfTheBranch) {
+  Row("01", "一号楼", 1);
+  Row("02", "二号楼", 2);
+  Row("0201", "二号楼一单元", 3, "K02");
+  Row("020101", "一层", 4, "K0201");
+  tree.CollapseAll();
+  EXPECT_FALSE(Node("ROOT")->Expanded);
+  EXPECT_FALSE(Node("K0201")->Expanded);
+  // Down from one node: that node and what lies below it, leaves stay closed.
+  tree.ExpandChildNodes(*Node("K02"));
+  EXPECT_TRUE(Node("K02")->Expanded);
+  EXPECT_TRUE(Node("K0201")->Expanded);
+  EXPECT_FALSE(Node("K020101")->Expanded);
+  EXPECT_FALSE(Node("ROOT")->Expanded);
+  EXPECT_FALSE(Node("K01")->Expanded);
+  tree.ExpandAll();
+  EXPECT_TRUE(Node("ROOT")->Expanded);
+  EXPECT_FALSE(Node("K01")->Expanded);
+  tree.CollapseChildNodes(*Node("K02"));
+  EXPECT_FALSE(Node("K0201")->Expanded);
+  EXPECT_TRUE(Node("ROOT")->Expanded);
+  EXPECT_TRUE(tv.Redraw);  // drawing is on again
+
+  EXPECT_TRUE(tree.IsRootNode(Node("ROOT")));
+  EXPECT_FALSE(tree.IsRootNode(Node("K0201")));
+  EXPECT_EQ(tree.ParentNodeText(Node("K020101")), "0201 二号楼一单元");
+  EXPECT_EQ(tree.ParentNodeText(Node("ROOT")), "");
+  EXPECT_TRUE(tree.IsChildNode(Node("K020101"), Node("K02")));
+  EXPECT_FALSE(tree.IsChildNode(Node("K01"), Node("K02")));
+}
+
 }  // namespace
 }  // namespace mrvk
