@@ -12,6 +12,9 @@ if [ -z "${MRVK_TEST_PG:-}" ]; then
   export MRVK_TEST_PG="$url"
   trap 'scripts/pg-cluster.sh stop "$cluster"' EXIT
 fi
+# Large grids touch a lot of fresh memory at once; on virtual machines a page fault is dear,
+# so malloc is allowed transparent huge pages, as the server runs (docs/performance.md).
+export GLIBC_TUNABLES=${GLIBC_TUNABLES:-glibc.malloc.hugetlb=1}
 for b in "$build"/bench/*_bench; do
   echo "== $(basename "$b")"
   "$b" "$@"

@@ -9,12 +9,14 @@
 #include "kvhost/lib/kv_txt.h"
 #include "kvhost/pickers/picker_registry.h"
 #include "mrvk/frame/host_contract.h"
+#include "mrvk/frame/print_contract.h"
 
 namespace kvhost {
 
 class HostContext : public mrvk::IHostContext,
                     public mrvk::IHostEnvironment,
-                    public mrvk::IHostLastError {
+                    public mrvk::IHostLastError,
+                    public mrvk::IHostPrintEngine {
  public:
   HostContext(db::Database& db, std::map<std::string, std::string>& options, std::string user,
               std::string app_path, mrvk::Date login_date)
@@ -42,13 +44,18 @@ class HostContext : public mrvk::IHostContext,
   void CheckPicker(KvTxt& field, const std::string& typed, mrvk::Variant& value,
                    std::string& text) override;
   mrvk::IHostPicker* Picker(const std::string& key) override { return pickers_.Service(key); }
-  mrvk::IHostPrintEngine* PrintEngine() override { return nullptr; }
+  mrvk::IHostPrintEngine* PrintEngine() override { return this; }
   mrvk::IHostDialogHost* DialogHost() override { return nullptr; }
 
   // IHostEnvironment
   std::string UserName() const override { return user_; }
   std::string AppPath() const override { return app_path_; }
   mrvk::Date LoginDate() const override { return login_date_; }
+
+  // IHostPrintEngine: the host options "organisation" (the name at the head of printed
+  // reports) and "printjobtext2" (the footer of a grid print).
+  std::string OrganisationName() const override { return Option("organisation"); }
+  std::string JobText2() const override { return Option("printjobtext2"); }
 
   // IHostLastError: the text of the host's last failure.
   std::string Text() const override { return last_error_; }
@@ -58,6 +65,10 @@ class HostContext : public mrvk::IHostContext,
   static std::string FormatBillCode(int32_t progID, mrvk::Date date, int64_t seq);
 
  private:
+  std::string Option(const std::string& key) const {
+    auto it = options_.find(key);
+    return it == options_.end() ? std::string() : it->second;
+  }
   // The last number issued for progID in date's month (0 when none); -1 on a database error.
   int64_t LastIssued(int32_t progID, const std::string& period);
 

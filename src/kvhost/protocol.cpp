@@ -10,6 +10,7 @@
 #include "kvhost/host.h"
 #include "kvhost/lib/control_list.h"
 #include "kvhost/lib/dialog.h"
+#include "kvhost/print_service.h"
 
 namespace kvhost {
 
@@ -225,6 +226,7 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
     if (op == "sql") return RunOnWorker([&] { return Sql(req); });
     if (op == "close") return RunOnWorker([&] { return Close(req); });
     if (op == "tool") return RunOnWorker([&] { return Tool(req); });
+    if (op == "export") return RunOnWorker([&] { return Export(req); });
     return Fail("unknown op \"" + op + "\"");
   }
 
@@ -393,10 +395,14 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
   }
 
   // Every answer of an operation carries the events raised since the last answer.
+  // Pages that a print made carry "documents" (print_service.h).
   json Done(json result) {
-    return {{"ok", true},
-            {"result", std::move(result)},
-            {"events", EventsToJson(host_->take_events())}};
+    json answer = {{"ok", true},
+                   {"result", std::move(result)},
+                   {"events", EventsToJson(host_->take_events())}};
+    if (json documents = TakeDocumentsJson(); !documents.empty())
+      answer["documents"] = std::move(documents);
+    return answer;
   }
   json Failed(const std::string& error) {
     json f = Fail(error);
@@ -463,7 +469,25 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
     mrvk::Variant result;
     Status st = host_->invoke(*s, method, args, result);
     if (!st.ok()) return Failed(st.message());
-    return Done(VariantToJson(result));
+    std::string print_error;
+    RenderSheetPrint(*host_, *s, method, print_error);
+    json answer = Done(VariantToJson(result));
+    // The operation ran; a page that could not be made is told beside its result.
+    if (!print_error.empty()) answer["print_error"] = print_error;
+    return answer;
+  }
+
+  // {"op":"export","screen":S,"control":"Vs","index":-1,"format":"xlsx"|"csv"}: the file.
+  json Export(const json& req) {
+    std::string control, format, error, path;
+    int index = -1;
+    Screen* s = FindScreen(req, error);
+    if (!s || !Field(req, "control", control, error) || !Field(req, "index", index, error, false) ||
+        !Field(req, "format", format, error))
+      return Fail(error);
+    Status st = ExportScreenGrid(*host_, *s, control, index, format, path);
+    if (!st.ok()) return Fail(st.message());
+    return Done({{"path", path}, {"format", format}});
   }
 
   // Reads the gesture of a request; false with the reason when it is malformed.

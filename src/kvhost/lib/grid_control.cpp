@@ -177,11 +177,17 @@ void GridControl::LoadArray(const mrvk::RowsArray& data) {
   const size_t fields =
       std::min(data.fields, static_cast<size_t>(std::max(Cols() - fixed_cols_, 0)));
   rows_.reserve(static_cast<size_t>(fixed_rows_) + data.rows);
+  const size_t first = static_cast<size_t>(fixed_cols_);
   for (size_t r = 0; r < data.rows; ++r) {
-    GridRow row = NewRow();
-    for (size_t f = 0; f < fields; ++f)
-      row.text[static_cast<size_t>(fixed_cols_) + f] = data.at(f, r).ToString();
-    rows_.push_back(std::move(row));
+    GridRow& row = rows_.emplace_back();
+    row.text.resize(columns_.size());
+    for (size_t f = 0; f < fields; ++f) {
+      const mrvk::Variant& v = data.at(f, r);
+      if (v.IsString())
+        row.text[first + f] = v.AsString();
+      else if (!v.IsNull() && !v.IsEmpty())
+        row.text[first + f] = v.ToString();
+    }
   }
 }
 
@@ -255,6 +261,7 @@ void GridControl::WriteOwnState(nlohmann::json& out) const {
   for (int r = 0; r < fixed_rows_; ++r) shown.push_back(r);
   const int top = TopRow();
   for (int r = top; r < Rows() && r < top + kStateWindowRows; ++r) shown.push_back(r);
+  out["window"] = {{"first", top}, {"count", static_cast<int>(shown.size()) - fixed_rows_}};
   nlohmann::json cells = nlohmann::json::array();
   for (int r : shown) {
     const GridRow& row = rows_[static_cast<size_t>(r)];

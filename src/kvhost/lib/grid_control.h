@@ -12,6 +12,22 @@
 //
 // Sizes are in grid units, twips-like: a header caption gives its column 100 per character
 // and 200 per wide character (docs/decisions.md).
+//
+// The state for front ends (WriteState), beside the members every control writes:
+//   "rows", "cols", "fixed_rows", "fixed_cols", "frozen_cols": the sizes; "rows" counts all
+//       rows, fixed and subtotal rows included, so a front end sizes its scroll bar by it;
+//   "row", "col": the current cell; "top_row": the first data row in view;
+//   "window": {"first": top_row, "count": n}: the data rows the state carries (at most
+//       kStateWindowRows); a front end pages with the gesture scroll (row = new TopRow);
+//   "merge_cells", "word_wrap", "grid_color" (0x00BBGGRR), "redraw": when false the logic is
+//       still filling the grid and a front end keeps what it shows;
+//   "columns": per column {"width" (0: not shown), "hidden", "alignment" (grid_align),
+//       "data_type", "format", "merge"}; the detail grid adds its descriptor;
+//   "cells": the fixed rows, then the window, each {"row", "text": [displayed text per
+//       column, formats applied], optional "height" (when not the default; 0 = filtered out),
+//       "merge" (the row merges equal neighbours: a merged header), "subtotal" (the group
+//       column of a subtotal row, -1 for the grand total), "styles": [{"col", "back", "fore",
+//       "alignment", "bold"}] for cells with a style of their own}.
 #pragma once
 
 #include <cstdint>
@@ -141,8 +157,13 @@ class GridControl : public Control {
 
   // The text of a cell as it shows: the column's format applied to a number.
   std::string DisplayText(int row, int col) const;
+  // The text a person is shown for the cell on screen, in print and in an export: the
+  // displayed text, or "***" in a column the person may not read (detail grid).
+  std::string ShownText(int row, int col) const { return StateText(row, col); }
   // True for a row that Subtotal made.
   bool IsSubtotal(int row) const { return GridRowAt(row).subtotal != kDataRow; }
+  // The group column of a subtotal row, -1 for a grand total, kDataRow for a data row.
+  int SubtotalGroup(int row) const { return GridRowAt(row).subtotal; }
 
  protected:
   // A new grid has 2 rows and 2 columns, one of each fixed.

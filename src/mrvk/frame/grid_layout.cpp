@@ -11,6 +11,7 @@
 #include "kvhost/lib/kv_grid.h"
 #include "kvhost/lib/kv_txt.h"
 #include "kvhost/lib/simple_controls.h"
+#include "kvhost/lib/status_control.h"
 #include "kvhost/lib/tree_view_control.h"
 #include "mrvk/frame/vb.h"
 
@@ -142,9 +143,20 @@ void LoadTotals(VsFlexGrid& grid, const std::vector<int>& groups, const std::vec
     args.caption = "合计";
     Step([&] { grid.Subtotal(kvhost::subtotal::kSum, args); });
   }
-  // 4.6
+  // 4.6 (the last row is the grand total; a grid without data rows has none, and its header
+  // keeps its caption)
   if (caption_col != grid.FixedCols())
-    Step([&] { grid.TextMatrix(grid.Rows() - 1, caption_col) = "合计"; });
+    Step([&] {
+      const int last = grid.Rows() - 1;
+      if (last >= grid.FixedRows() && grid.IsSubtotal(last))
+        grid.TextMatrix(last, caption_col) = "合计";
+    });
+}
+
+// The types whose state is one text of the control's own (status_control.h).
+bool IsStatusType(const std::string& upper_type) {
+  return upper_type == "SEARCHBOX" || upper_type == "DTPICKER" || upper_type == "GCDTP" ||
+         upper_type == "LISTVIEW";
 }
 
 // The key of a control in the section "Form".
@@ -388,10 +400,13 @@ void sbGetFormStatus(const std::string& pFile, bool pbOnlyColWidth,
         Step([&] {
           LoadGridLayout(pFile, dynamic_cast<VsFlexGrid&>(*control), pbOnlyColWidth, context);
         });
+      } else if (IsStatusType(type)) {
+        auto& status = dynamic_cast<kvhost::StatusControl&>(*control);
+        Step([&] {
+          const std::string text = ini.ReadString(kFormSection, key, status.SaveStatus());
+          status.GetStatus(text);
+        });
       }
-      // "DTPicker", "gcDTP", "ListView" and "SearchBox" have their rows in the walk's table,
-      // but no screen of this system has such a control: they are left alone like any other
-      // type.
     });
   }
 }
@@ -440,6 +455,11 @@ void sbSaveFormStatus(const std::string& pFile, bool pbOnlyColWidth,
         }
       } else if (type == "VSFLEXGRID") {
         Step([&] { SaveGridLayout(pFile, dynamic_cast<VsFlexGrid&>(*control), pbOnlyColWidth); });
+      } else if (IsStatusType(type)) {
+        Step([&] {
+          ini.WriteString(kFormSection, key,
+                          dynamic_cast<kvhost::StatusControl&>(*control).SaveStatus());
+        });
       }
     });
   }

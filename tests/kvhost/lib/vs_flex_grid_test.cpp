@@ -222,12 +222,14 @@ TEST(VsFlexGridState, LargeGridsSendAWindowOfRows) {
   EXPECT_EQ(state["cells"][0]["text"][1], "编号");
   EXPECT_EQ(state["cells"][1]["row"], 500);
   EXPECT_EQ(state["cells"][1]["text"][1], "499");
+  EXPECT_EQ(state["window"], (nlohmann::json{{"first", 500}, {"count", 200}}));
 
   // Near the end the window is what is left.
   ASSERT_EQ(grid.Apply(At("scroll", /*row=*/950, /*col=*/-1)), "");
   state.clear();
   grid.WriteState(state);
   EXPECT_EQ(state["cells"].size(), 1 + 51);
+  EXPECT_EQ(state["window"], (nlohmann::json{{"first", 950}, {"count", 51}}));
 }
 
 TEST(VsFlexGridCells, RangesOfCellPropertiesAndTheirState) {

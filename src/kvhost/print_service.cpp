@@ -1,0 +1,78 @@
+#include "kvhost/print_service.h"
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+
+#include "kvhost/grid_export.h"
+#include "kvhost/lib/control_list.h"
+#include "kvhost/lib/print_data.h"
+#include "kvhost/lib/print_job.h"
+
+namespace kvhost {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A file name of its own in folder: stem + "-" + time + "-" + counter + extension.
+std::string NewExportPath(const fs::path& folder, const std::string& stem,
+                          const std::string& extension) {
+  static std::atomic<uint64_t> counter{0};
+  const auto stamp = std::chrono::duration_cast<std::chrono::milliseconds>(
+                         std::chrono::system_clock::now().time_since_epoch())
+                         .count();
+  return (folder /
+          (stem + "-" + std::to_string(stamp) + "-" + std::to_string(++counter) + "." + extension))
+      .string();
+}
+
+}  // namespace
+
+void RenderSheetPrint(Host& host, Screen& screen, const std::string& method, std::string& error) {
+  error.clear();
+  mrvk::IFormUI* form = screen.form();
+  if (!form || (method != "DoPrint" && method != "PrintPreview" && method != "PrintSetup")) return;
+  std::string file;
+  const Status st =
+      host.guarded(screen.class_name + ".ReturnPrintName", [&] { file = form->ReturnPrintName(); });
+  if (!st.ok()) {
+    error = st.message();
+    return;
+  }
+  std::error_code ignored;
+  if (file.empty() || fs::path(file).extension() != ".txt" || !fs::is_regular_file(file, ignored))
+    return;
+  std::string document;
+  RenderPrintFile(file, /*direct=*/method == "DoPrint", document, error);
+}
+
+nlohmann::json TakeDocumentsJson() {
+  nlohmann::json out = nlohmann::json::array();
+  for (const PrintedDocument& d : TakePrintedDocuments())
+    out.push_back({{"path", d.path}, {"title", d.title}, {"direct", d.direct}});
+  return out;
+}
+
+Status ExportScreenGrid(Host& host, Screen& screen, const std::string& name, int index,
+                        const std::string& format, std::string& path) {
+  path.clear();
+  if (format != "xlsx" && format != "csv")
+    return Status::Error("unknown export format \"" + format + "\" (xlsx or csv)");
+  mrvk::IDesignUI* design = screen.design();
+  Control* control = design ? design->Controls().Find(name, index) : nullptr;
+  if (!control) return Status::Error(screen.class_name + " has no control " + name);
+  auto* grid = dynamic_cast<GridControl*>(control);
+  if (!grid) return Status::Error(control->DisplayName() + " is no grid");
+  const fs::path folder = fs::path(host.config().app_path) / "selfExport";
+  std::error_code ec;
+  fs::create_directories(folder, ec);
+  const std::string file = NewExportPath(folder, screen.class_name + "-" + control->Name(), format);
+  std::string error;
+  const bool ok = format == "xlsx" ? ExportGridXlsx(*grid, file, screen.class_name, error)
+                                   : ExportGridCsv(*grid, file, error);
+  if (!ok) return Status::Error(error);
+  path = file;
+  return Status::Ok();
+}
+
+}  // namespace kvhost

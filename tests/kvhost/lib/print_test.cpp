@@ -1,0 +1,345 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "kvhost/lib/dialog.h"
+#include "kvhost/lib/ini_file.h"
+#include "kvhost/lib/kv_grid.h"
+#include "kvhost/lib/print_data.h"
+#include "kvhost/lib/print_job.h"
+#include "kvhost/lib/vs_flex_grid.h"
+#include "mrvk/frame/vb.h"
+
+namespace kvhost {
+namespace {
+
+namespace fs = std::filesystem;
+using mrvk::Variant;
+
+std::string Slurp(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+size_t Count(const std::string& text, const std::string& what) {
+  size_t n = 0;
+  for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) ++n;
+  return n;
+}
+
+class PrintTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    dir = fs::temp_directory_path() /
+          ("mrvk_print_" + std::to_string(::getpid()) + "_" +
+           ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    fs::remove_all(dir);
+    settings = (dir / "selfPrn" / "Rpt870401.prn").string();
+    TakePrintedDocuments();
+  }
+  void TearDown() override { fs::remove_all(dir); }
+
+  // A contract list: row number, area, tenant, rent (formatted), hidden ID; a group
+  // subtotal per area and the grand total, as the layout makes them.
+  static void FillContracts(VsFlexGrid& grid) {
+    grid.SetFormatString("行号|片区  |租户        |租金      |ID");
+    mrvk::RowsArray rows;
+    rows.fields = 4;
+    rows.rows = 3;
+    for (const Variant& v : {Variant("北区"), Variant("李<四>"), Variant(1200.5), Variant(71),
+                             Variant("北区"), Variant("王五"), Variant(800), Variant(72),
+                             Variant("南区"), Variant("赵六 & 子"), Variant(1000), Variant(73)})
+      rows.cells.push_back(v);
+    grid.LoadArray(rows);
+    grid.ColHidden(4) = true;
+    grid.TextMatrix(1, 4) = "SECRET-ID";
+    grid.ColFormat(3) = "#,##0.00";
+    SubtotalArgs group;
+    group.group_on = 1;
+    group.total_on = 3;
+    group.fore_color = 128;
+    group.caption = "小计%s";
+    grid.Subtotal(subtotal::kSum, group);
+    SubtotalArgs total;
+    total.total_on = 3;
+    total.back_color = 0xFFFF80;
+    total.caption = "合计";
+    grid.Subtotal(subtotal::kSum, total);
+  }
+
+  fs::path dir;
+  std::string settings;
+};
+
+TEST_F(PrintTest, AGridPrintIsAPrintablePageOfWhatTheGridShows) {
+  VsFlexGrid grid("Vs");
+  FillContracts(grid);
+  PrintJob job;
+  job.Prepare("阳光物业管理有限公司", "制表：张三");
+  bool done = false;
+  ASSERT_TRUE(job.Print(settings, "合同清单", "片区：北区\r起止日期：2012-10-01 至 2012-10-31",
+                        grid, "", /*direct=*/false, "", done))
+      << job.ErrorText();
+  EXPECT_TRUE(done);
+
+  const auto documents = TakePrintedDocuments();
+  ASSERT_EQ(documents.size(), 1u);
+  EXPECT_EQ(documents[0].path, job.DocumentPath());
+  EXPECT_EQ(documents[0].title, "合同清单");
+  EXPECT_FALSE(documents[0].direct);
+  EXPECT_EQ(fs::path(documents[0].path).parent_path(), dir / "selfPrn" / "preview");
+  EXPECT_TRUE(TakePrintedDocuments().empty());
+
+  const std::string html = Slurp(documents[0].path);
+  EXPECT_NE(html.find("<meta charset=\"utf-8\">"), std::string::npos);
+  EXPECT_NE(html.find("@page { size: A4 portrait"), std::string::npos);
+  EXPECT_NE(html.find("<div class=\"org\">阳光物业管理有限公司</div>"), std::string::npos);
+  EXPECT_NE(html.find("<h1>合同清单</h1>"), std::string::npos);
+  EXPECT_NE(html.find("<div>片区：北区</div><div>起止日期：2012-10-01 至 2012-10-31</div>"),
+            std::string::npos);
+  // The header is repeated on every page; the hidden ID column is left out entirely.
+  EXPECT_NE(html.find("<thead>\n<tr><th>行号</th><th>片区</th><th>租户</th><th>租金</th></tr>"),
+            std::string::npos);
+  EXPECT_EQ(html.find("SECRET-ID"), std::string::npos);
+  EXPECT_EQ(Count(html, "<col style"), 4u);
+  // Texts escaped, numbers formatted and right-aligned.
+  EXPECT_NE(html.find(">李&lt;四&gt;</td>"), std::string::npos);
+  EXPECT_NE(html.find(">赵六 &amp; 子</td>"), std::string::npos);
+  EXPECT_NE(html.find("<td class=\"r\">1,200.50</td>"), std::string::npos);
+  // Two group subtotals in the grid's colour, one grand total.
+  EXPECT_EQ(Count(html, "<tr class=\"subtotal\">"), 2u);
+  EXPECT_EQ(Count(html, "<tr class=\"total\">"), 1u);
+  EXPECT_NE(html.find("color:#800000;\">2,000.50</td>"), std::string::npos);
+  EXPECT_NE(html.find("background:#80ffff;\">3,000.50</td>"), std::string::npos);
+  EXPECT_NE(html.find("<footer><span>制表：张三</span><span>打印日期：" + PrintDate()),
+            std::string::npos);
+  // The rows keep the grid's order: the north's subtotal comes before the south's rows.
+  EXPECT_LT(html.find("小计北区"), html.find("赵六"));
+}
+
+TEST_F(PrintTest, SetupWritesTheSettingsThatLaterPrintsUse) {
+  VsFlexGrid grid("Vs");
+  FillContracts(grid);
+  grid.RowHeight(2) = 0;  // filtered out: not printed
+  PrintJob job;
+  Variant options("orientation=landscape; FontSize=9;MarginLeft=20");
+  bool done = false;
+  ASSERT_TRUE(job.Setup(settings, "合同清单", "", grid, "共 3 份", /*ask=*/true, options, "", done))
+      << job.ErrorText();
+  EXPECT_TRUE(done);
+  EXPECT_EQ(options.ToString(),
+            "Paper=A4;Orientation=1;MarginTop=15;MarginBottom=15;MarginLeft=20;MarginRight=12;"
+            "FontSize=9;GridLines=1;PageNumbers=1");
+  IniFile ini;
+  ini.FileName(settings);
+  EXPECT_EQ(ini.ReadInt("Page", "Orientation", 0), 1);
+  ASSERT_EQ(TakePrintedDocuments().size(), 1u);  // the setup shows its preview
+
+  ASSERT_TRUE(job.Print(settings, "合同清单", "", grid, "共 3 份", /*direct=*/true, "", done));
+  const auto documents = TakePrintedDocuments();
+  ASSERT_EQ(documents.size(), 1u);
+  EXPECT_TRUE(documents[0].direct);
+  const std::string html = Slurp(documents[0].path);
+  EXPECT_NE(html.find("size: A4 landscape; margin: 15mm 12mm 15mm 20mm;"), std::string::npos);
+  EXPECT_NE(html.find("font-size: 9pt"), std::string::npos);
+  EXPECT_EQ(html.find("王五"), std::string::npos);
+  EXPECT_NE(html.find("<div class=\"extra\">共 3 份</div>"), std::string::npos);
+
+  // A setting the job does not know is refused and changes nothing.
+  Variant bad("FontSize=11;Colour=red");
+  EXPECT_FALSE(job.Setup(settings, "合同清单", "", grid, "", /*ask=*/true, bad, "", done));
+  EXPECT_FALSE(done);
+  EXPECT_EQ(job.ErrorText(), "无效的页面设置: Colour=red");
+  EXPECT_EQ(PageSettings::Read(settings).FontSize, 9);
+  EXPECT_TRUE(TakePrintedDocuments().empty());
+}
+
+// A person at the page setup: the script works on the dialog as a front end would.
+class PageSetupPerson : public mrvk::IUiPort {
+ public:
+  explicit PageSetupPerson(std::function<void(Dialog&)> script) : script_(std::move(script)) {
+    mrvk::SetCurrentUiPort(this);
+  }
+  ~PageSetupPerson() override { mrvk::SetCurrentUiPort(nullptr); }
+  void ShowModal(mrvk::IModalForm& form) override { script_(dynamic_cast<Dialog&>(form)); }
+  int MsgBox(const std::string& prompt, int, const std::string&) override {
+    boxes.push_back(prompt);
+    return mrvk::msgbox::kOk;
+  }
+  std::optional<std::string> InputBox(const std::string&, const std::string&,
+                                      const std::string&) override {
+    return std::nullopt;
+  }
+  static void Do(Dialog& dialog, const std::string& control, int index, const std::string& kind,
+                 const std::string& text = "") {
+    Gesture g;
+    g.kind = kind;
+    g.text = text;
+    Control* c = dialog.Controls().Find(control, index);
+    ASSERT_NE(c, nullptr) << control;
+    ASSERT_EQ(c->Apply(g), "");
+  }
+  std::vector<std::string> boxes;
+
+ private:
+  std::function<void(Dialog&)> script_;
+};
+
+TEST_F(PrintTest, SetupAsksThePersonAndACancelChangesNothing) {
+  VsFlexGrid grid("Vs");
+  FillContracts(grid);
+  PrintJob job;
+  bool done = false;
+  Variant options;
+  {
+    PageSetupPerson person([](Dialog& d) {
+      EXPECT_EQ(d.Caption, "页面设置");
+      PageSetupPerson::Do(d, "cboOrientation", -1, "pick", "横向");
+      PageSetupPerson::Do(d, "txtMargin", 2, "type", "25");
+      PageSetupPerson::Do(d, "txtFontSize", -1, "type", "99");
+      PageSetupPerson::Do(d, "cmdOK", -1, "click");
+      EXPECT_TRUE(d.IsShown());  // refused: the dialog stays
+      PageSetupPerson::Do(d, "txtFontSize", -1, "type", "8");
+      PageSetupPerson::Do(d, "chkGridLines", -1, "toggle");
+      PageSetupPerson::Do(d, "cmdOK", -1, "click");
+      EXPECT_FALSE(d.IsShown());
+    });
+    ASSERT_TRUE(job.Setup(settings, "合同清单", "", grid, "", /*ask=*/true, options, "", done))
+        << job.ErrorText();
+    EXPECT_EQ(person.boxes, (std::vector<std::string>{"无效的页面设置: FontSize=99"}));
+  }
+  EXPECT_TRUE(done);
+  EXPECT_EQ(options.ToString(),
+            "Paper=A4;Orientation=1;MarginTop=15;MarginBottom=15;MarginLeft=25;MarginRight=12;"
+            "FontSize=8;GridLines=0;PageNumbers=1");
+  EXPECT_EQ(PageSettings::Read(settings).Text(), options.ToString());
+  ASSERT_EQ(TakePrintedDocuments().size(), 1u);
+
+  PageSetupPerson person([](Dialog& d) {
+    PageSetupPerson::Do(d, "txtFontSize", -1, "type", "12");
+    PageSetupPerson::Do(d, "cmdCancel", -1, "click");
+  });
+  Variant again;
+  EXPECT_TRUE(job.Setup(settings, "合同清单", "", grid, "", /*ask=*/true, again, "", done));
+  EXPECT_FALSE(done);
+  EXPECT_EQ(PageSettings::Read(settings).FontSize, 8);
+  EXPECT_TRUE(TakePrintedDocuments().empty());
+}
+
+TEST_F(PrintTest, APrintThatCannotBeWrittenSaysWhy) {
+  fs::create_directories(dir);
+  std::ofstream(dir / "blocker") << "a file where the folder would be";
+  VsFlexGrid grid("Vs");
+  PrintJob job;
+  bool done = true;
+  EXPECT_FALSE(job.Print((dir / "blocker" / "Rpt1.prn").string(), "标题", "", grid, "",
+                         /*direct=*/false, "", done));
+  EXPECT_FALSE(done);
+  EXPECT_NE(job.ErrorText().find("无法建立打印预览目录"), std::string::npos);
+  EXPECT_TRUE(TakePrintedDocuments().empty());
+}
+
+TEST_F(PrintTest, MaskedColumnsAndMergedHeadersPrintAsShown) {
+  KvGrid grid("kvGrid");
+  grid.SetFixedRows(2);
+  grid.SetRows(4);
+  grid.SetFormatString("行号|费用|费用|金额");
+  grid.TextMatrix(1, 0) = "行号";
+  grid.TextMatrix(1, 1) = "名称";
+  grid.TextMatrix(1, 2) = "单位";
+  grid.TextMatrix(1, 3) = "金额";
+  grid.MergeCells = 1;
+  grid.MergeRow(0) = true;
+  grid.MergeCol(0) = true;
+  grid.MergeCol(3) = true;
+  grid.TextMatrix(2, 1) = "房租";
+  grid.TextMatrix(2, 3) = "1500";
+  grid.Column(3).Masked = true;
+  const std::string html = GridPrintHtml(grid, GridPage{"", "费用", "", "", ""}, PageSettings{});
+  EXPECT_NE(html.find("<tr><th rowspan=\"2\">行号</th><th colspan=\"2\">费用</th><th "
+                      "rowspan=\"2\">金额</th></tr>\n<tr><th>名称</th><th>单位</th></tr>"),
+            std::string::npos)
+      << html;
+  EXPECT_NE(html.find(">***</td>"), std::string::npos);
+  EXPECT_EQ(html.find("1500"), std::string::npos);
+}
+
+TEST_F(PrintTest, PrintDataIsReadBackAsWritten) {
+  PrintData data;
+  data.Section(Variant(1)).SetField("合同编号", "HT2012100001");
+  data.Section(Variant(1)).SetField("备注", "第一行\n\t缩进\\结尾");
+  data.Section(Variant(1)).SetField("合同编号", "HT2012100002");  // the last text stays
+  PrintTable& table = data.Section(Variant(1)).AddTable("kvGrid", 3, 2);
+  table.Cell(0, 0, "费用名称");
+  table.Cell(1, 0, "单价");
+  table.Cell(0, 1, "房租");
+  table.Cell(1, 1, "***");
+  EXPECT_THROW(table.Cell(3, 0, "x"), mrvk::VbError);
+  EXPECT_THROW(data.Section(Variant(1)).Table("none"), mrvk::VbError);
+  const std::string file = (dir / "selfPrint" / "870201.txt").string();
+  data.Save(file);
+
+  PrintData back;
+  std::string error;
+  ASSERT_TRUE(back.Load(file, error)) << error;
+  const PrintSection& s = back.Sections().at(1);
+  ASSERT_EQ(s.Fields().size(), 2u);
+  EXPECT_EQ(s.Fields()[0], (std::pair<std::string, std::string>{"合同编号", "HT2012100002"}));
+  EXPECT_EQ(s.Field("备注"), "第一行\n\t缩进\\结尾");
+  const PrintTable* t = s.FindTable("kvGrid");
+  ASSERT_NE(t, nullptr);
+  EXPECT_EQ(t->Cols(), 3);
+  EXPECT_EQ(t->Rows(), 2);
+  EXPECT_EQ(t->Cell(1, 1), "***");
+  EXPECT_EQ(t->Cell(2, 1), "");
+
+  std::ofstream(file, std::ios::app) << "C\t9\t9\tout of the table\n";
+  EXPECT_FALSE(back.Load(file, error));
+  EXPECT_NE(error.find("无法识别"), std::string::npos);
+  EXPECT_TRUE(back.Sections().empty());
+}
+
+TEST_F(PrintTest, TheHostRendersADataFileWithItsLayoutOrItsOwn) {
+  PrintData data;
+  PrintSection& s = data.Section(Variant(1));
+  s.SetField("标题", "房屋租赁合同");
+  s.SetField("租户", "李<四>");
+  PrintTable& table = s.AddTable("kvGrid", 2, 2);
+  table.Cell(0, 0, "费用名称");
+  table.Cell(1, 0, "金额");
+  table.Cell(0, 1, "房租");
+  table.Cell(1, 1, "1500");
+  const fs::path file = dir / "selfPrint" / "870201.txt";
+  data.Save(file.string());
+
+  std::string document, error;
+  ASSERT_TRUE(RenderPrintFile(file.string(), /*direct=*/true, document, error)) << error;
+  std::string html = Slurp(document);
+  EXPECT_NE(html.find("<title>房屋租赁合同</title>"), std::string::npos);
+  EXPECT_NE(html.find("<th>租户</th><td>李&lt;四&gt;</td>"), std::string::npos);
+  EXPECT_NE(html.find("<thead><tr><th>费用名称</th><th>金额</th></tr></thead>"), std::string::npos);
+  EXPECT_NE(html.find("<td class=\"r\">1500</td>"), std::string::npos);
+
+  std::ofstream(dir / "selfPrint" / "870201.layout.html")
+      << "<p>承租方：{{租户}}</p>{{table:kvGrid}}<p>{{未知}}|{{date}}</p>";
+  ASSERT_TRUE(RenderPrintFile(file.string(), /*direct=*/false, document, error)) << error;
+  html = Slurp(document);
+  EXPECT_NE(html.find("<p>承租方：李&lt;四&gt;</p><table class=\"grid\">"), std::string::npos);
+  EXPECT_NE(html.find("<p>|" + PrintDate() + "</p>"), std::string::npos);
+  const auto documents = TakePrintedDocuments();
+  ASSERT_EQ(documents.size(), 2u);
+  EXPECT_TRUE(documents[0].direct);
+  EXPECT_FALSE(documents[1].direct);
+  EXPECT_NE(documents[0].path, documents[1].path);
+
+  EXPECT_FALSE(RenderPrintFile((dir / "none.txt").string(), /*direct=*/false, document, error));
+  EXPECT_NE(error.find("打印数据文件不存在"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace kvhost

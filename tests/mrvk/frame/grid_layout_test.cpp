@@ -1,0 +1,407 @@
+#include "mrvk/frame/grid_layout.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+#include "kvhost/lib/ini_file.h"
+#include "kvhost/lib/kv_grid.h"
+#include "kvhost/lib/kv_txt.h"
+#include "kvhost/lib/simple_controls.h"
+#include "kvhost/lib/status_control.h"
+#include "kvhost/lib/tree_view_control.h"
+#include "mrvk/frame/frame_test_context.h"
+
+namespace mrvk {
+namespace {
+
+namespace fs = std::filesystem;
+using kvhost::IniFile;
+using kvhost::VsFlexGrid;
+
+RowsArray Rows(const std::vector<std::vector<Variant>>& rows) {
+  RowsArray a;
+  a.fields = rows.empty() ? 0 : rows[0].size();
+  a.rows = rows.size();
+  for (const auto& row : rows) a.cells.insert(a.cells.end(), row.begin(), row.end());
+  return a;
+}
+
+class GridLayoutTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    dir = fs::temp_directory_path() /
+          ("mrvk_layout_" + std::to_string(::getpid()) + "_" +
+           ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    fs::remove_all(dir);
+    fs::create_directories(dir);
+    context = std::make_unique<LayoutContext>(dir.string());
+    file = LayoutPath("RPT_Test", *context);
+  }
+  void TearDown() override { fs::remove_all(dir); }
+
+  // A report grid: row number, area, building, rent, deposit, hidden ID.
+  static void Fill(VsFlexGrid& grid) {
+    grid.SetFormatString("行号|片区  |楼宇    |租金    |押金    |ID");
+    grid.ColWidth(5) = 0;
+    grid.LoadArray(Rows({{"北区", "A栋", 1000, 500, 1},
+                         {"北区", "B栋", 1200.5, 0, 2},
+                         {"南区", "C栋", 950, 300, 3}}));
+  }
+  void Write(const std::string& section, const std::string& key, const std::string& value) {
+    IniFile ini;
+    ini.FileName(file);
+    ini.WriteString(section, key, value);
+  }
+  std::string Read(const std::string& section, const std::string& key) {
+    IniFile ini;
+    ini.FileName(file);
+    return ini.ReadString(section, key, "<missing>");
+  }
+  std::vector<std::string> Column(const VsFlexGrid& grid, int col) {
+    std::vector<std::string> out;
+    for (int r = grid.FixedRows(); r < grid.Rows(); ++r) out.push_back(grid.TextMatrix(r, col));
+    return out;
+  }
+
+  fs::path dir;
+  std::unique_ptr<LayoutContext> context;
+  std::string file;
+};
+
+TEST_F(GridLayoutTest, LayoutPathMakesTheFolder) {
+  EXPECT_EQ(file, (dir / "selfbb" / "RPT_Test.txt").string());
+  EXPECT_TRUE(fs::is_directory(dir / "selfbb"));
+  EXPECT_FALSE(fs::exists(file));
+}
+
+TEST_F(GridLayoutTest, FirstUseWritesTheDefaultsAndAHiddenColumnKeepsItsWidth) {
+  VsFlexGrid grid("Vs");
+  Fill(grid);
+  LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
+  ASSERT_TRUE(fs::exists(file));
+  EXPECT_EQ(Read("VsColWidth", "VsCol2"), "800");
+  EXPECT_EQ(Read("VsIsHidden", "VsCol5"), "1");
+  EXPECT_EQ(Read("VsColWidth", "VsCol5"), "<missing>");  // a hidden column writes no width
+  // Settings only a person puts in the file are never written.
+  EXPECT_EQ(Read("VsIsTotalOn", "VsCol3"), "<missing>");
+  EXPECT_EQ(Read("Vs", "VsRowHeight"), "300");
+
+  // The person widens the building column, then hides it: the file keeps the wider width.
+  grid.ColWidth(2) = 1500;
+  SaveGridLayout(file, grid, /*widthsOnly=*/false);
+  grid.ColWidth(2) = 0;
+  SaveGridLayout(file, grid, /*widthsOnly=*/false);
+  EXPECT_EQ(Read("VsIsHidden", "VsCol2"), "1");
+  EXPECT_EQ(Read("VsColWidth", "VsCol2"), "1500");
+
+  VsFlexGrid next("Vs");
+  Fill(next);
+  LoadGridLayout(file, next, /*widthsOnly=*/false, *context);
+  EXPECT_EQ(next.ColWidth(2), 0);
+  // Shown again by the file: the width from before it was hidden.
+  Write("VsIsHidden", "VsCol2", "0");
+  LoadGridLayout(file, next, /*widthsOnly=*/false, *context);
+  EXPECT_EQ(next.ColWidth(2), 1500);
+  // A file width of 0 with the column not hidden is shown with width 0: no minimum.
+  Write("VsColWidth", "VsCol1", "0");
+  Write("VsColWidth", "VsCol3", "abc");  // no number: 0
+  LoadGridLayout(file, next, /*widthsOnly=*/false, *context);
+  EXPECT_EQ(next.ColWidth(1), 0);
+  EXPECT_EQ(next.ColWidth(3), 0);
+}
+
+TEST_F(GridLayoutTest, SuffixesNameTheGridUnlessItIsVs) {
+  VsFlexGrid vs("vs");  // any case of "vs": no name in the suffix
+  VsFlexGrid vs_array("Vs", 3);
+  VsFlexGrid other("Vs2", 1);
+  EXPECT_EQ(GridSuffix(vs), "");
+  EXPECT_EQ(GridSuffix(vs_array), "_3");
+  EXPECT_EQ(GridSuffix(other), "_Vs2_1");
+
+  // Two grids in one file keep apart.
+  Fill(vs);
+  Fill(other);
+  other.ColWidth(1) = 2222;
+  SaveGridLayout(file, vs, /*widthsOnly=*/false);
+  SaveGridLayout(file, other, /*widthsOnly=*/false);
+  EXPECT_EQ(Read("VsColWidth", "VsCol1"), "600");
+  EXPECT_EQ(Read("VsColWidth_Vs2_1", "VsCol1"), "2222");
+  EXPECT_EQ(Read("Vs_Vs2_1", "VsFixedCols"), "0");
+}
+
+TEST_F(GridLayoutTest, WidthsOnlyTouchesNothingButWidths) {
+  Write("VsColWidth", "VsCol1", "1111");
+  Write("VsColFormat", "VsCol3", "#,##0.00");
+  Write("VsColAlignment", "VsCol1", "7");
+  Write("VsIsTotalOn", "VsCol3", "1");
+  Write("VsIsSort", "VsCol3", "4");
+  Write("Vs", "VsRowHeight", "450");
+  Write("Vs", "VsGridColor", "255");
+  Write("Vs", "VsWordWrap", "1");
+  VsFlexGrid grid("Vs");
+  Fill(grid);
+  const int rows = grid.Rows();
+  LoadGridLayout(file, grid, /*widthsOnly=*/true, *context);
+  EXPECT_EQ(grid.ColWidth(1), 1111);
+  EXPECT_EQ(grid.ColFormat(3), "");
+  EXPECT_EQ(grid.ColAlignment(1), kvhost::grid_align::kGeneral);
+  EXPECT_EQ(grid.Rows(), rows);                                                    // no totals
+  EXPECT_EQ(Column(grid, 1), (std::vector<std::string>{"北区", "北区", "南区"}));  // no sort
+  EXPECT_EQ(grid.RowHeight(1), 300);
+  EXPECT_EQ(grid.GridColor, 0xC0C0C0);
+  EXPECT_FALSE(grid.WordWrap);
+
+  // Saving widths only writes no format, and leaves the grid section alone.
+  grid.ColWidth(1) = 1300;
+  grid.ColFormat(3) = "0.0";
+  SaveGridLayout(file, grid, /*widthsOnly=*/true);
+  EXPECT_EQ(Read("VsColWidth", "VsCol1"), "1300");
+  EXPECT_EQ(Read("VsColFormat", "VsCol3"), "#,##0.00");
+  EXPECT_EQ(Read("Vs", "VsRowHeight"), "450");
+
+  // The full load applies all of it.
+  LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
+  EXPECT_EQ(grid.ColAlignment(1), 7);
+  EXPECT_EQ(grid.RowHeight(1), 450);
+  EXPECT_EQ(grid.GridColor, 255);
+  EXPECT_TRUE(grid.WordWrap);
+  EXPECT_EQ(Column(grid, 3).front(), "1200.5");  // sorted by rent, descending
+}
+
+TEST_F(GridLayoutTest, WidthsOnlyOnAMissingFileWritesNothing) {
+  VsFlexGrid grid("Vs");
+  Fill(grid);
+  LoadGridLayout(file, grid, /*widthsOnly=*/true, *context);
+  EXPECT_FALSE(fs::exists(file));
+}
+
+TEST_F(GridLayoutTest, NumberFormatsFollowTheDataTypeTheDecimalsAndTheVersion) {
+  context->options["9"] = "3";   // decimals of value type 3
+  context->options["14"] = "0";  // decimals of value type 8
+  VsFlexGrid grid("Vs");
+  grid.SetFormatString("行号|a|b|c|d|e|f|g|h");
+  auto set = [&](int c, int type, const std::string& format) {
+    Write("VsColDataType", "VsCol" + std::to_string(c), std::to_string(type));
+    Write("VsColFormat", "VsCol" + std::to_string(c), format);
+  };
+  set(1, 5, "#,##0.00");
+  Write("VsColFormat_Xs", "VsCol1", "1");
+  set(2, 0, "#,##0.00");
+  Write("VsColValDataType", "VsCol2", "3");
+  set(3, 5, "#,##0.00");
+  Write("VsColValDataType", "VsCol3", "8");
+  set(4, 5, "  0.000  ");  // no decimals setting: as read, trimmed
+  Write("VsColValDataType", "VsCol4", "9");
+  set(5, 8, "###");  // a text column: "###" clears the format
+  grid.ColFormat(5) = "old";
+  set(6, 7, "yyyy-mm-dd");
+  set(7, 5, "");  // an empty format leaves the column's own
+  grid.ColFormat(7) = "0.0";
+  set(8, 5, ".00");  // nothing before the point: the statement fails and is skipped
+  grid.ColFormat(8) = "0.0";
+  LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
+  EXPECT_EQ(grid.ColFormat(1), "#,##0.#");
+  EXPECT_EQ(grid.ColFormat(2), "#,##0.###");
+  EXPECT_EQ(grid.ColFormat(3), "#,##0");
+  EXPECT_EQ(grid.ColFormat(4), "0.000");
+  EXPECT_EQ(grid.ColFormat(5), "");
+  EXPECT_EQ(grid.ColFormat(6), "yyyy-mm-dd");
+  EXPECT_EQ(grid.ColFormat(7), "0.0");
+  EXPECT_EQ(grid.ColFormat(8), "0.0");
+  EXPECT_EQ(grid.ColDataType(8), 5);  // the statements around it ran
+
+  // Version 700 ends the integer part in "#".
+  VsFlexGrid old("Vs");
+  old.Version = 700;
+  old.SetFormatString("行号|a|b|c|d|e|f|g|h");
+  LoadGridLayout(file, old, /*widthsOnly=*/false, *context);
+  EXPECT_EQ(old.ColFormat(1), "#,###.#");
+  EXPECT_EQ(old.ColFormat(3), "#,###");
+}
+
+TEST_F(GridLayoutTest, GroupTotalsAndTheGrandTotal) {
+  Write("VsIsGroupOn", "VsCol1", "1");
+  Write("VsIsTotalOn", "VsCol3", "1");
+  Write("VsIsTotalOn", "VsCol4", "1");
+  VsFlexGrid grid("Vs");
+  Fill(grid);
+  LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
+  EXPECT_EQ(Column(grid, 1),
+            (std::vector<std::string>{"北区", "北区", "小计北区", "南区", "小计南区", "合计"}));
+  EXPECT_EQ(Column(grid, 3),
+            (std::vector<std::string>{"1000", "1200.5", "2200.5", "950", "950", "3150.5"}));
+  EXPECT_EQ(Column(grid, 4), (std::vector<std::string>{"500", "0", "500", "300", "300", "800"}));
+  EXPECT_EQ(grid.Cell(kvhost::cell_property::kForeColor, 3, 3).ToLong(), 128);
+  EXPECT_EQ(grid.Cell(kvhost::cell_property::kBackColor, 6, 3).ToLong(), 0xFFFF80);
+
+  // Loading again (a refresh keeps the rows) builds the totals afresh, not twice.
+  LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
+  EXPECT_EQ(grid.Rows(), 7);
+  EXPECT_EQ(grid.TextMatrix(6, 3), "3150.5");
+}
+
+TEST_F(GridLayoutTest, TotalsWithoutGroupsGiveOnlyTheGrandTotalInTheCaptionColumn) {
+  Write("VsIsTotalOn", "VsCol3", "1");
+  Write("VsIsHidden", "VsCol1", "1");  // the area is hidden: the caption goes to the building
+  VsFlexGrid grid("Vs");
+  Fill(grid);
+  LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
+  ASSERT_EQ(grid.Rows(), 5);
+  EXPECT_FALSE(grid.IsSubtotal(3));
+  EXPECT_TRUE(grid.IsSubtotal(4));
+  EXPECT_EQ(grid.TextMatrix(4, 2), "合计");
+  EXPECT_EQ(grid.TextMatrix(4, 3), "3150.5");
+}
+
+TEST_F(GridLayoutTest, TwoGroupColumnsEmptyTheCellsLeftOfTheirGroup) {
+  Write("VsIsGroupOn", "VsCol1", "1");
+  Write("VsIsGroupOn", "VsCol2", "1");
+  Write("VsIsTotalOn", "VsCol3", "1");
+  VsFlexGrid grid("Vs");
+  Fill(grid);
+  LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
+  // Per building a subtotal, per area one, then the grand total.
+  std::vector<std::string> captions;
+  for (int r = 1; r < grid.Rows(); ++r) {
+    if (grid.IsSubtotal(r))
+      captions.push_back(grid.TextMatrix(r, 1) + "|" + grid.TextMatrix(r, 2) + "|" +
+                         grid.TextMatrix(r, 3));
+  }
+  EXPECT_EQ(captions,
+            (std::vector<std::string>{"|小计A栋|1000", "|小计B栋|1200.5", "小计北区||2200.5",
+                                      "|小计C栋|950", "小计南区||950", "合计||3150.5"}));
+}
+
+TEST_F(GridLayoutTest, AnEmptyGridGetsNoTotalAndKeepsItsHeader) {
+  Write("Vs", "VsTotalSave", "1");
+  Write("VsIsSort", "VsCol1", "2");
+  Write("VsIsTotalOn", "VsCol3", "1");
+  Write("VsIsHidden", "VsCol1", "1");  // the caption column is then the building
+  VsFlexGrid grid("Vs");
+  grid.SetFormatString("行号|片区  |楼宇    |租金    |押金    |ID");
+  grid.SetRows(1);
+  LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
+  ASSERT_EQ(grid.Rows(), 1);
+  EXPECT_EQ(grid.TextMatrix(0, 2), "楼宇");
+  EXPECT_EQ(grid.RowHeight(0), 300);
+}
+
+TEST_F(GridLayoutTest, GridColourAndSystemColours) {
+  int r = -1, g = -1, b = -1;
+  EXPECT_TRUE(SplitColour(0x123456, r, g, b));
+  EXPECT_EQ((std::vector<int>{r, g, b}), (std::vector<int>{0x56, 0x34, 0x12}));
+  // System colour 5 (window background) is white.
+  EXPECT_TRUE(SplitColour(static_cast<int32_t>(0x80000005), r, g, b));
+  EXPECT_EQ((std::vector<int>{r, g, b}), (std::vector<int>{255, 255, 255}));
+  EXPECT_FALSE(SplitColour(0x01000000, r, g, b));
+
+  // A file value above 2147483647 becomes 30 minus the value: 2147483678 gives 0x80000000,
+  // system colour 0.
+  Write("Vs", "VsGridColor", "2147483678");
+  VsFlexGrid grid("Vs");
+  Fill(grid);
+  LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
+  EXPECT_EQ(grid.GridColor, 0xC8C8C8);
+  // A colour that stands for nothing leaves the grid's own.
+  Write("Vs", "VsGridColor", "33554432");
+  LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
+  EXPECT_EQ(grid.GridColor, 0xC8C8C8);
+}
+
+// A search box keeps its state through SaveStatus and GetStatus.
+class SearchBoxProbe : public kvhost::Control, public kvhost::StatusControl {
+ public:
+  SearchBoxProbe() : Control("SearchBox", "Search") {}
+  std::string status = "fields=名称";
+  std::string SaveStatus() const override { return status; }
+  void GetStatus(const std::string& s) override { status = s; }
+};
+
+TEST_F(GridLayoutTest, TheFormWalkKeepsEveryControlTypeAndSkipsFailures) {
+  struct Screen {
+    kvhost::ControlList list;
+    kvhost::KvTxt txt{"kvTxt", 3};
+    kvhost::CheckBox check{"chk"};
+    kvhost::TextBox text{"txtNote"};
+    kvhost::ComboBox combo{"cboKind"};
+    kvhost::OptionButton opt0{"optXB", 0};
+    kvhost::OptionButton opt1{"optXB", 1};
+    kvhost::TreeView tree{"tvw"};
+    kvhost::KvGrid detail{"kvGrid"};
+    VsFlexGrid vs{"Vs"};
+    SearchBoxProbe search;
+    Screen() {
+      for (kvhost::Control* c : std::initializer_list<kvhost::Control*>{
+               &txt, &check, &text, &combo, &opt0, &opt1, &tree, &detail, &vs, &search})
+        list.Add(*c);
+      kvhost::OptionButton::SetGroup({&opt0, &opt1});
+      tree.Nodes.Add(nullptr, kvhost::TreeRelationship::Last, "k1", "北区");
+      tree.Nodes.Add(nullptr, kvhost::TreeRelationship::Last, "k2", "南区");
+      detail.SetFormatString("行号|名称    |金额");
+      Fill(vs);
+    }
+  };
+  Screen saved;
+  saved.txt.Text = "A01栋 ";
+  saved.txt.Value = Variant(int32_t{42});
+  saved.check.Value = 1;
+  saved.text.Text = "备注";
+  saved.combo.Text = "住宅";
+  saved.opt1.Select();
+  saved.tree.SetSelectedItem(saved.tree.Nodes.Item(2));
+  saved.detail.ColWidth(1) = 2500;
+  saved.vs.ColWidth(2) = 1700;
+  saved.search.status = "fields=编号";
+  sbSaveFormStatus(file, /*pbOnlyColWidth=*/false, saved.list);
+  EXPECT_EQ(Read("Form", "KVTXT_S_kvTxt_3_Text"), "A01栋");
+  EXPECT_EQ(Read("Form", "KVTXT_S_kvTxt_3_Value"), "42");
+  EXPECT_EQ(Read("Form", "OPTIONBUTTON_optXB_1"), "1");
+  EXPECT_EQ(Read("Form", "KVGRID_kvGrid_Col1"), "2500");
+  EXPECT_EQ(Read("VsColWidth", "VsCol2"), "1700");
+
+  Write("Form", "CHECKBOX_chk_bad", "x");  // an unknown key is ignored
+  Screen loaded;
+  sbGetFormStatus(file, /*pbOnlyColWidth=*/false, loaded.list, *context);
+  EXPECT_EQ(loaded.txt.Text, "A01栋");
+  EXPECT_EQ(loaded.txt.Value.ToLong(), 42);
+  EXPECT_EQ(loaded.check.Value, 1);
+  EXPECT_EQ(loaded.text.Text, "备注");
+  EXPECT_EQ(loaded.combo.Text, "住宅");
+  EXPECT_FALSE(loaded.opt0.Value);
+  EXPECT_TRUE(loaded.opt1.Value);
+  ASSERT_NE(loaded.tree.SelectedItem(), nullptr);
+  EXPECT_EQ(loaded.tree.SelectedItem()->Text, "南区");
+  EXPECT_EQ(loaded.detail.ColWidth(1), 2500);
+  EXPECT_EQ(loaded.vs.ColWidth(2), 1700);
+  EXPECT_EQ(loaded.search.status, "fields=编号");
+
+  // A detail grid with fewer columns than the file, and a tree without the saved node: the
+  // rest of the walk still runs.
+  Screen changed;
+  changed.detail.SetCols(1);
+  changed.tree.Nodes.Clear();
+  sbGetFormStatus(file, /*pbOnlyColWidth=*/true, changed.list, *context);
+  EXPECT_EQ(changed.tree.SelectedItem(), nullptr);
+  EXPECT_EQ(changed.vs.ColWidth(2), 1700);
+  EXPECT_EQ(changed.search.status, "fields=编号");
+}
+
+TEST(GridWheel, StepsPositionsAndTopRows) {
+  LayoutContext context("/tmp");
+  EXPECT_EQ(WheelRate(context), 5);  // option missing or 0
+  context.options["mouseeventscrollrate"] = "3";
+  EXPECT_EQ(WheelRate(context), 3);
+  EXPECT_EQ(WheelSteps(/*rows=*/101, /*rate=*/5), 20);
+  EXPECT_EQ(WheelSteps(/*rows=*/1, /*rate=*/5), 0);
+  EXPECT_EQ(WheelPosition(/*top_row=*/14, /*rate=*/5), 2);
+  EXPECT_EQ(WheelTopRow(/*step=*/3, /*rate=*/5, /*rows=*/101), 3);     // below R: n itself
+  EXPECT_EQ(WheelTopRow(/*step=*/5, /*rate=*/5, /*rows=*/101), 20);    // (n - 1) x R
+  EXPECT_EQ(WheelTopRow(/*step=*/30, /*rate=*/5, /*rows=*/101), 100);  // at most Rows - 1
+}
+
+}  // namespace
+}  // namespace mrvk
