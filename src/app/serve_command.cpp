@@ -4,6 +4,7 @@
 #include <signal.h>
 
 #include <charconv>
+#include <filesystem>
 #include <iostream>
 #include <thread>
 
@@ -36,6 +37,8 @@ int RunServe(const std::vector<std::string>& args, std::ostream& out, std::ostre
              const std::vector<kvhost::web::MenuEntry>& extra_menu) {
   kvhost::web::ServeOptions options;
   options.app.database = DefaultDatabaseUrl();
+  // Layout and print files of the screens go below ./data, beside the default database.
+  options.app.app_path = (std::filesystem::current_path() / "data").string();
   options.port = kDefaultPort;
   options.app.extra_menu = extra_menu;
   for (size_t i = 0; i < args.size(); ++i) {
