@@ -230,6 +230,18 @@ std::string GridControl::CheckGestureCell(const Gesture& g) const {
   return "";
 }
 
+std::string GridControl::ApplyColWidth(const Gesture& g) {
+  if (std::string why = RefusesInput(/*locked_counts=*/false); !why.empty()) return why;
+  if (g.col < 0 || g.col >= Cols())
+    return DisplayName() + " has no column " + std::to_string(g.col);
+  const std::string width = mrvk::Trim(g.text);
+  if (!IsPlainNumber(width) || width.find('.') != std::string::npos || width[0] == '-' ||
+      width.size() > 5 || std::stoi(width) > 32767)
+    return DisplayName() + " takes a column width from 0 to 32767, not \"" + g.text + "\"";
+  ColWidth(g.col) = std::stoi(width);
+  return "";
+}
+
 void GridControl::ReplaceRows(std::vector<GridRow> rows) {
   rows_ = std::move(rows);
   row_ = std::clamp(row_, 0, std::max(Rows() - 1, 0));

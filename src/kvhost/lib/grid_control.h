@@ -205,6 +205,10 @@ class GridControl : public Control {
   void WriteOwnState(nlohmann::json& out) const override;
   // Checks a gesture's cell; "" when it exists.
   std::string CheckGestureCell(const Gesture& gesture) const;
+  // The gesture col_width (col, text = the new width in grid units, 0 hides the column): a
+  // person sizing a column, which the layout file keeps. Refused for a hidden or disabled
+  // grid, a column that is not there or a width that is no whole number from 0 to 32767.
+  std::string ApplyColWidth(const Gesture& gesture);
   // Puts rows in place of the grid's rows (Row stays within them).
   void ReplaceRows(std::vector<GridRow> rows);
 

@@ -24,6 +24,7 @@ void KvGrid::ResetColumn(int col) {
 
 std::string KvGrid::Apply(const Gesture& g) {
   if (g.kind == "cell_edit") return Edit(g);
+  if (g.kind == "col_width") return ApplyColWidth(g);
   if (g.kind != "cell_click" && g.kind != "cell_dblclick") return Unsupported(g);
   if (std::string why = RefusesInput(/*locked_counts=*/false); !why.empty()) return why;
   if (std::string why = CheckGestureCell(g); !why.empty()) return why;

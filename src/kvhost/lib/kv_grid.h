@@ -53,7 +53,8 @@ class KvGrid : public GridControl {
   // column, or the text does not fit the column's kind. Otherwise Row and Col move there,
   // BeforeEdit runs, and unless it cancels the text goes into the cell and AfterEdit runs.
   // cell_click and cell_dblclick (row, col): Row and Col move there, then CellClick or
-  // DblClick; they work also while the grid is not editable.
+  // DblClick; they work also while the grid is not editable. col_width (col, text): the
+  // person sizes or hides a column, also while the grid is locked.
   std::string Apply(const Gesture& gesture) override;
 
  protected:

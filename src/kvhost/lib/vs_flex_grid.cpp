@@ -211,6 +211,7 @@ void VsFlexGrid::SetSort(int setting) {
 }
 
 std::string VsFlexGrid::Apply(const Gesture& g) {
+  if (g.kind == "col_width") return ApplyColWidth(g);
   if (g.kind != "cell_click" && g.kind != "cell_dblclick" && g.kind != "scroll")
     return Unsupported(g);
   if (std::string why = RefusesInput(/*locked_counts=*/false); !why.empty()) return why;

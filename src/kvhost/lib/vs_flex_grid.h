@@ -87,7 +87,7 @@ class VsFlexGrid : public GridControl {
 
   // cell_click (row, col): Row and Col move there, then Click. cell_dblclick: the same, then
   // DblClick. scroll (row): TopRow moves there, then AfterScroll; the state then carries the
-  // rows from there.
+  // rows from there. col_width (col, text): the person sizes or hides a column.
   std::string Apply(const Gesture& gesture) override;
 
  private:

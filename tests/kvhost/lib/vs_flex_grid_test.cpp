@@ -273,5 +273,26 @@ TEST(VsFlexGridGestures, ClicksMoveTheCurrentCellAndRaiseTheirEvents) {
   EXPECT_EQ(grid.Row(), 3);
 }
 
+TEST(VsFlexGridGestures, APersonSizesAndHidesColumns) {
+  VsFlexGrid grid("Vs");
+  FillRentGrid(grid);
+  Gesture g = At("col_width", -1, 2);
+  g.text = "1500";
+  EXPECT_EQ(grid.Apply(g), "");
+  EXPECT_EQ(grid.ColWidth(2), 1500);
+  g.text = "0";
+  EXPECT_EQ(grid.Apply(g), "");
+  EXPECT_FALSE(grid.IsColumnShown(2));
+  for (const char* bad : {"-5", "12.5", "abc", "40000", ""}) {
+    g.text = bad;
+    EXPECT_EQ(grid.Apply(g),
+              "Vs takes a column width from 0 to 32767, not \"" + std::string(bad) + "\"");
+  }
+  g.col = 9;
+  g.text = "100";
+  EXPECT_EQ(grid.Apply(g), "Vs has no column 9");
+  EXPECT_EQ(grid.ColWidth(2), 0);
+}
+
 }  // namespace
 }  // namespace kvhost
