@@ -1,4 +1,8 @@
 // mrvk: the house-rental management system's executable.
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -25,9 +29,24 @@ constexpr const char* kUsage =
     "                             preview the collection periods of one fee term\n"
     "database URLs: sqlite:///path/file.sqlite3, sqlite:// (in memory), postgresql://...\n";
 
+// Large lists read hundreds of thousands of values into fresh memory, and on virtual
+// machines each first touch of a page is expensive. With transparent huge pages for the heap
+// glibc touches 512 times fewer pages. glibc reads the setting only when a program starts,
+// so the program starts itself again once with it; when that fails it goes on without.
+void UseHugePagesForTheHeap(char** argv) {
+  constexpr const char* kSetting = "glibc.malloc.hugetlb=1";
+  const char* tunables = std::getenv("GLIBC_TUNABLES");
+  if (tunables && std::strstr(tunables, "glibc.malloc.hugetlb")) return;
+  const std::string value =
+      tunables && *tunables ? std::string(tunables) + ":" + kSetting : kSetting;
+  if (setenv("GLIBC_TUNABLES", value.c_str(), /*overwrite=*/1) != 0) return;
+  execv("/proc/self/exe", argv);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  UseHugePagesForTheHeap(argv);
   std::vector<std::string> args(argv + 1, argv + argc);
   if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
     std::cout << kUsage;

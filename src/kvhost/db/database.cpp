@@ -19,13 +19,13 @@ bool SameName(const std::string& a, const std::string& b) {
 // A recordset over rows read in full; fields found by name without regard to case.
 class MemoryRecordset : public mrvk::Recordset {
  public:
-  explicit MemoryRecordset(ResultSet rows) : rows_(std::move(rows)) {
+  explicit MemoryRecordset(ResultSet rows) : rows_(std::move(rows)), count_(rows_.rows()) {
     fields_.resize(rows_.columns.size());
     for (size_t c = 0; c < fields_.size(); ++c) fields_[c].Name = rows_.columns[c];
     Load();
   }
   bool Eof() const override { return pos_ >= rows_.rows(); }
-  bool Bof() const override { return rows_.rows() == 0; }
+  bool Bof() const override { return count_ == 0; }
   void MoveNext() override {
     if (Eof())
       throw mrvk::VbError(3021,
@@ -60,7 +60,13 @@ class MemoryRecordset : public mrvk::Recordset {
   mrvk::RowsArray GetRows() override {
     mrvk::RowsArray a;
     a.fields = rows_.columns.size();
-    if (pos_ < rows_.rows()) {
+    if (pos_ == 0) {
+      // All rows: the array takes the values over without a copy; the recordset is at its
+      // end and keeps its count.
+      a.rows = rows_.rows();
+      a.cells = std::move(rows_.values);
+      rows_.values.clear();
+    } else if (pos_ < rows_.rows()) {
       a.rows = rows_.rows() - pos_;
       a.cells.assign(
           std::make_move_iterator(rows_.values.begin() + static_cast<ptrdiff_t>(pos_ * a.fields)),
@@ -69,7 +75,7 @@ class MemoryRecordset : public mrvk::Recordset {
     pos_ = rows_.rows();
     return a;
   }
-  int64_t RecordCount() const override { return static_cast<int64_t>(rows_.rows()); }
+  int64_t RecordCount() const override { return static_cast<int64_t>(count_); }
   void Close() override {}
 
  private:
@@ -84,6 +90,7 @@ class MemoryRecordset : public mrvk::Recordset {
     for (size_t c = 0; c < n; ++c) fields_[c].Value = rows_.values[pos_ * n + c];
   }
   ResultSet rows_;
+  size_t count_;  // the rows read, also after GetRows took them
   std::vector<mrvk::Field> fields_;
   size_t pos_ = 0;
 };
