@@ -212,9 +212,15 @@ void VsFlexGrid::SetSort(int setting) {
 
 std::string VsFlexGrid::Apply(const Gesture& g) {
   if (g.kind == "col_width") return ApplyColWidth(g);
-  if (g.kind != "cell_click" && g.kind != "cell_dblclick" && g.kind != "scroll")
+  if (g.kind != "cell_click" && g.kind != "cell_dblclick" && g.kind != "scroll" &&
+      g.kind != "keydown")
     return Unsupported(g);
   if (std::string why = RefusesInput(/*locked_counts=*/false); !why.empty()) return why;
+  if (g.kind == "keydown") {
+    if (g.row < 0) return DisplayName() + ": keydown needs the key code in row";
+    if (KeyDown) KeyDown(g.row, g.col < 0 ? 0 : g.col);
+    return "";
+  }
   if (g.kind == "scroll") {
     if (g.row < 0 || g.row >= Rows()) return DisplayName() + " has no row " + std::to_string(g.row);
     SetTopRow(g.row);

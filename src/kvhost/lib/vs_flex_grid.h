@@ -84,10 +84,12 @@ class VsFlexGrid : public GridControl {
   std::function<void()> Click;
   std::function<void()> DblClick;
   std::function<void()> AfterScroll;
+  std::function<void(int key_code, int shift)> KeyDown;
 
   // cell_click (row, col): Row and Col move there, then Click. cell_dblclick: the same, then
   // DblClick. scroll (row): TopRow moves there, then AfterScroll; the state then carries the
-  // rows from there. col_width (col, text): the person sizes or hides a column.
+  // rows from there. keydown (row = the key code, col = the shift state, 0 when not given):
+  // KeyDown. col_width (col, text): the person sizes or hides a column.
   std::string Apply(const Gesture& gesture) override;
 
  private:

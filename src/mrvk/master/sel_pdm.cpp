@@ -71,6 +71,7 @@ selPdm::selPdm() {
   Check.Click = [this] { Check_Click(); };
   Vs.Click = [this] { Vs_Click(); };
   Vs.DblClick = [this] { Guarded([this] { Confirm(); }); };
+  Vs.KeyDown = [this](int key_code, int shift) { Vs_KeyDown(key_code, shift); };
   for (int i = kRefresh; i <= kClearAll; ++i) Cmd[i].Click = [this, i] { Cmd_Click(i); };
 }
 

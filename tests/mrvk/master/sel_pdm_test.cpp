@@ -109,6 +109,15 @@ TEST_P(SelPdmTest, OneRowModeListsTheTableByOrderAndHandsBackTheChosenRow) {
   text = "x";
   EXPECT_FALSE(Show(p, text, value));
   EXPECT_EQ(text, "");
+
+  // Enter on the grid takes the current row, as a double click does.
+  host().ui().dialogs.push_back([&](Dialog& d) {
+    Do(d, "Vs", -1, {.kind = "cell_click", .row = 3, .col = 3});
+    Do(d, "Vs", -1, {.kind = "keydown", .row = 13});
+  });
+  ASSERT_TRUE(Show(p, text, value));
+  EXPECT_EQ(text, "Ann");
+  EXPECT_EQ(value.ToDouble(), 31);
 }
 
 TEST_P(SelPdmTest, ConfirmOnAnEmptyListStillSelectsWithNoRow) {
