@@ -71,6 +71,10 @@ test('buildings: create, duplicate code, edit, delete, find, navigate', async ()
   await page.waitForSelector('#toolbar button[data-cmd="FileNew"]:not([disabled])');
   await newBuilding('B02', '二号楼');
   await page.waitForSelector('.tree .node .label:text("B02 二号楼")');
+  // Only the bound fields (estate, type) offer the picker button.
+  const pickers = await page.locator('.screen:not([hidden]) [data-control^="kvTxt"]:has(button.pick)')
+    .evaluateAll((nodes) => nodes.map((n) => n.dataset.control));
+  assert.deepEqual(pickers, ['kvTxt(2)', 'kvTxt(3)']);
   await shot(page, '03-tree-sheet');
 
   // A taken code: the sheet's error comes as an alert with its title; nothing is saved.
@@ -187,10 +191,17 @@ test('fee categories: the entry dialog and the list grid', async () => {
   await input(0).press('Tab');
   await input(1).fill('物业管理费');
   await input(1).press('Tab');
+  // The billing mode is a closed list: a drop-down of its entries, no picker button.
+  const mode = dialog.locator('[data-control="kvTxt(2)"]');
+  assert.equal(await mode.locator('button.pick').count(), 0);
+  assert.deepEqual(await mode.locator('option').allTextContents(), ['', '按户', '按面积', '按用量']);
+  await mode.locator('select').selectOption('按面积');
+  await page.waitForSelector('body:not(.busy)', { state: 'attached' });
   await shot(page, '08-dialog');
   // Saving closes the dialog and the list shows the new row.
   await dialog.locator('button:text("保存(S)")').click();
   await page.waitForSelector('[data-layer="dialog"]', { state: 'detached' });
   await page.waitForSelector('.screen[data-prog="870003"] table.grid td:text("物业管理费")');
+  assert.equal(await page.locator('.screen[data-prog="870003"] tbody tr td:text("按面积")').count(), 1);
   await shot(page, '09-list-grid');
 });

@@ -122,7 +122,9 @@ void KvTxt::WriteOwnState(nlohmann::json& out) const {
   if (!Unit.empty()) out["unit"] = Unit;
   if (MaxLength > 0) out["maxlength"] = MaxLength;
   if (!Config.ListText.empty()) out["list"] = ListEntries();
-  out["button"] = Config.ShowButton || static_cast<bool>(ShowPicker);
+  // The button shows as the field's style says; a sheet may hand every field a picker
+  // handler, but only fields that show the button offer it.
+  out["button"] = Config.ShowButton;
 }
 
 }  // namespace kvhost

@@ -1,7 +1,11 @@
 #include "kvhost/web/web_app.h"
 
 #include <algorithm>
+#include <cctype>
 #include <ctime>
+#include <deque>
+#include <filesystem>
+#include <fstream>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -97,6 +101,33 @@ std::string KindName(const std::string& class_name) {
   }
 }
 
+// The files a session may fetch: pages and exports its host made. The oldest are forgotten
+// beyond this many.
+constexpr size_t kMaxSessionFiles = 500;
+constexpr const char* kFilePrefix = "/api/file/";
+
+// A page shows in the client's own frame: its style is inline, it runs no script and loads
+// nothing from elsewhere.
+constexpr const char* kPagePolicy =
+    "default-src 'none'; style-src 'unsafe-inline'; img-src 'self' data:; font-src 'self' data:; "
+    "frame-ancestors 'self'; base-uri 'none'; form-action 'none'";
+
+// "filename*" of a Content-Disposition: UTF-8, percent-encoded.
+std::string EncodedFileName(const std::string& name) {
+  static const char* kHex = "0123456789ABCDEF";
+  std::string out = "UTF-8''";
+  for (unsigned char ch : name) {
+    if (std::isalnum(ch) || ch == '.' || ch == '-' || ch == '_') {
+      out += static_cast<char>(ch);
+    } else {
+      out += '%';
+      out += kHex[ch >> 4];
+      out += kHex[ch & 15];
+    }
+  }
+  return out;
+}
+
 // Whether the module can create the class now (classes come one by one).
 bool Creatable(const std::string& class_name) {
   std::string error;
@@ -104,6 +135,12 @@ bool Creatable(const std::string& class_name) {
 }
 
 }  // namespace
+
+// A file the session's host made: a print's page or an export.
+struct SessionFile {
+  std::string path;
+  std::string name;  // the file's own name, for the download
+};
 
 // One signed-in browser: its own driver, and so its own interface thread and connection.
 struct WebSession {
@@ -119,6 +156,9 @@ struct WebSession {
   std::set<int> screens;
   // The operation whose answer waits on a box ("open", "close", ...); "" when none.
   std::string waiting_op;
+  // The files its answers named, by the ID of their URL; oldest first in file_order.
+  std::map<std::string, SessionFile> files;
+  std::deque<std::string> file_order;
   Clock::time_point last_used = Clock::now();
   Clock::time_point last_checked = Clock::now();
 };
@@ -180,8 +220,9 @@ class WebApp::Impl {
       if (post != want_post) return Refuse(405, want_post ? "use POST" : "use GET");
       return std::nullopt;
     };
+    const bool file = path.rfind(kFilePrefix, 0) == 0;
     if (path != "/api/session" && path != "/api/signout" && path != "/api/password" &&
-        path != "/api/menu" && path != "/api/protocol")
+        path != "/api/menu" && path != "/api/protocol" && !file)
       return Refuse(404, "no such API: " + path);
     if (auto r =
             route(path == "/api/signout" || path == "/api/password" || path == "/api/protocol"))
@@ -216,6 +257,7 @@ class WebApp::Impl {
     if (path == "/api/password") return ChangePassword(*session, body);
     if (session->must_change) return Refuse(403, "请先修改初始密码");
     if (path == "/api/menu") return MenuAnswer();
+    if (file) return ServeFile(*session, path.substr(std::string(kFilePrefix).size()));
     return Protocol(*session, body);
   }
 
@@ -366,7 +408,7 @@ class WebApp::Impl {
                              "\" is not available in the web client: the server opens the "
                              "session on its own database and answers the menu (GET /api/menu)");
     static const std::set<std::string> kOps = {"open",   "call",  "gesture", "state",
-                                               "answer", "close", "tool"};
+                                               "answer", "close", "tool",    "export"};
     if (!kOps.count(op)) return Refuse(400, "unknown op \"" + op + "\"");
     json forward = req;
     if (op == "open" || op == "tool") {
@@ -390,7 +432,8 @@ class WebApp::Impl {
     }
     auto dialog = req.find("dialog");
     const bool for_dialog = dialog != req.end() && dialog->is_boolean() && dialog->get<bool>();
-    if (op == "call" || op == "close" || ((op == "gesture" || op == "state") && !for_dialog)) {
+    if (op == "call" || op == "close" || op == "export" ||
+        ((op == "gesture" || op == "state") && !for_dialog)) {
       int64_t screen = 0;
       if (!IntField(req, "screen", screen)) return Refuse(400, "\"" + op + "\" names a screen");
       if (!s.screens.count(static_cast<int>(screen)))
@@ -401,6 +444,7 @@ class WebApp::Impl {
     }
     json answer = s.driver->Handle(forward);
     if (op == "state" && !for_dialog) AddToolbarFacts(s, answer);
+    PublishFiles(s, op, answer);
     const bool ok = answer.value("ok", false);
     if (answer.contains("pending")) {
       if (op != "answer") s.waiting_op = op;
@@ -413,6 +457,64 @@ class WebApp::Impl {
       if (ok && ended == "close" && op == "close") s.screens.erase(req["screen"].get<int>());
     }
     return {ok ? 200 : 422, std::move(answer), ""};
+  }
+
+  // Puts the files an answer names (a print's "documents", an export's file) among the
+  // session's own and names them by URL; the browser never sees a server path.
+  static void PublishFiles(WebSession& s, const std::string& op, json& answer) {
+    auto publish = [&s](const std::string& path) -> json {
+      std::string id = RandomHex(kTokenBytes / 2);
+      const std::string name = std::filesystem::path(path).filename().string();
+      s.files[id] = {path, name};
+      s.file_order.push_back(id);
+      while (s.file_order.size() > kMaxSessionFiles) {
+        s.files.erase(s.file_order.front());
+        s.file_order.pop_front();
+      }
+      return {{"url", kFilePrefix + id}, {"name", name}};
+    };
+    if (auto docs = answer.find("documents"); docs != answer.end() && docs->is_array()) {
+      for (json& d : *docs) {
+        if (!d.is_object() || !d.contains("path") || !d["path"].is_string()) continue;
+        const json where = publish(d["path"].get<std::string>());
+        d.erase("path");
+        d.update(where);
+      }
+    }
+    if (op == "export" && answer.value("ok", false) && answer["result"].is_object() &&
+        answer["result"].contains("path") && answer["result"]["path"].is_string()) {
+      json& result = answer["result"];
+      const json where = publish(result["path"].get<std::string>());
+      result.erase("path");
+      result.update(where);
+    }
+  }
+
+  // GET /api/file/ID: a file of the session, as a page (HTML, shown in the client's frame)
+  // or as a download.
+  static WebResponse ServeFile(WebSession& s, const std::string& id) {
+    auto it = s.files.find(id);
+    if (it == s.files.end()) return Refuse(404, "no such file in this session");
+    const SessionFile& f = it->second;
+    std::ifstream in(f.path, std::ios::binary);
+    if (!in) return Refuse(404, "the file " + f.name + " is no longer there");
+    std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    WebResponse r;
+    r.content = std::move(content);
+    const std::string ext = std::filesystem::path(f.name).extension().string();
+    if (ext == ".html" || ext == ".htm") {
+      r.content_type = "text/html; charset=utf-8";
+      r.headers = {{"Content-Security-Policy", kPagePolicy},
+                   {"X-Frame-Options", "SAMEORIGIN"},
+                   {"Content-Disposition", "inline; filename*=" + EncodedFileName(f.name)}};
+      return r;
+    }
+    r.content_type = ext == ".xlsx"
+                         ? "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet"
+                     : ext == ".csv" ? "text/csv; charset=utf-8"
+                                     : "application/octet-stream";
+    r.headers = {{"Content-Disposition", "attachment; filename*=" + EncodedFileName(f.name)}};
+    return r;
   }
 
   // The toolbar is enabled by IsDirty, GetID (in the state already), CheckStatus and

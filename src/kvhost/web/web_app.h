@@ -10,10 +10,14 @@
 //   POST /api/password  {"old","new"}: a new password (required first when must_change)
 //   GET  /api/menu      the menu: xt_menu joined with xt_objects, in groups
 //   POST /api/protocol  one request of the screen protocol, one answer
+//   GET  /api/file/ID   a page a print made or a file an export wrote, by the "url" an
+//                       answer of this session gave for it; any other ID is 404
 // Every POST but signin needs the session cookie and the header X-CSRF-Token with the token
 // of the sign-in; a POST from another origin is refused. The browser never names a database:
 // "session" and "sql" are refused, "open" and "tool" name a progID of the menu and the server
-// finds the class, and "call", "gesture", "state" and "close" name a screen of the session.
+// finds the class, and "call", "gesture", "state", "close" and "export" name a screen of the
+// session. The browser never sees a server path either: the "documents" of an answer and the
+// file of an export come as {"url": "/api/file/ID", "name"} of the session's own files.
 #pragma once
 
 #include <chrono>
@@ -21,6 +25,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kvhost/status.h"
@@ -60,9 +65,18 @@ struct WebRequest {
 };
 
 struct WebResponse {
+  WebResponse() = default;
+  WebResponse(int status_code, nlohmann::json json_body, std::string cookie = "")
+      : status(status_code), body(std::move(json_body)), set_cookie(std::move(cookie)) {}
+
   int status = 200;
   nlohmann::json body;
   std::string set_cookie;  // a Set-Cookie value; "" for none
+  // A file in place of the JSON body (GET /api/file/...); content_type "" for JSON.
+  std::string content_type;
+  std::string content;
+  // Headers of the file's answer; each replaces the server's default of that name.
+  std::vector<std::pair<std::string, std::string>> headers;
 };
 
 inline constexpr const char* kSessionCookie = "mrvk_session";

@@ -88,6 +88,15 @@ Status WebServer::Start(std::string& one_time_password) {
     res.status = a.status;
     res.set_header("Cache-Control", "no-store");
     if (!a.set_cookie.empty()) res.set_header("Set-Cookie", a.set_cookie);
+    if (!a.content_type.empty()) {
+      // A file of the session: its own headers replace the defaults of the same name.
+      for (const auto& [name, value] : a.headers) {
+        res.headers.erase(name);
+        res.set_header(name, value);
+      }
+      res.set_content(std::move(a.content), a.content_type);
+      return;
+    }
     res.set_content(
         a.body.dump(-1, ' ', /*ensure_ascii=*/false, nlohmann::json::error_handler_t::replace),
         "application/json; charset=utf-8");

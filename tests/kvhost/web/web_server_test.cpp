@@ -1,16 +1,21 @@
 // The web client's server over real HTTP (cpp-httplib's client against an in-process server
 // on a free port), on both engines: sign-in, the first run, sessions, request tokens, and the
-// screen protocol bound to each person's own session.
+// screen protocol bound to each person's own session, and the files (pages and exports) a
+// session's host made, which only that session can fetch.
 #include "kvhost/web/web_server.h"
 
 #include <gtest/gtest.h>
 #include <httplib.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
 #include <thread>
 
 #include "kvhost/web/user_store.h"
+#include "mrvk/frame/print_pipeline.h"
+#include "mrvk/master/pdm_yz.h"
+#include "mrvk/registry.h"
 #include "support/engines.h"
 
 namespace kvhost::web {
@@ -19,6 +24,19 @@ namespace {
 using nlohmann::json;
 
 constexpr int kFastHash = 1000;  // the slow hash's minimum: tests sign in many times
+constexpr int kOwnersProgID = 870004;
+constexpr int kPrintingProgID = 990004;
+
+// The owners' list with a print preview of its grid, as a report prints: the page it makes
+// comes with the answer's "documents".
+class PrintingOwners : public mrvk::PDMYz {
+ public:
+  bool PrintPreview() override {
+    std::string error;
+    return mrvk::PrintGrid(*context_, mrvk::ReportPrintSettings(*context_, kPrintingProgID),
+                           "客户清单", "", Vs, /*direct=*/false, /*setup=*/false, "", error);
+  }
+};
 
 struct Reply {
   int status = 0;
@@ -37,9 +55,20 @@ class WebServerTest : public kvtest::EngineTest {
   void SetUp() override {
     kvtest::EngineTest::SetUp();
     if (IsSkipped() || HasFatalFailure()) return;
+    static const bool registered = [] {
+      mrvk::RegisterClass("PrintingOwners", [] { return std::make_unique<PrintingOwners>(); });
+      return true;
+    }();
+    (void)registered;
+    app_path_ = std::filesystem::temp_directory_path() /
+                ("mrvk_web_" + std::to_string(::getpid()) + "_" +
+                 ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    std::filesystem::remove_all(app_path_);
+    std::filesystem::create_directories(app_path_);
     ServeOptions options;
     options.app.database = url();
-    options.app.app_path = std::filesystem::temp_directory_path().string();
+    options.app.app_path = app_path_.string();
+    options.app.extra_menu = {{kPrintingProgID, "客户清单", "测试", "PrintingOwners", 1}};
     options.app.hash_iterations = kFastHash;
     options.app.recheck_user = std::chrono::seconds(0);
     options.port = 0;
@@ -57,6 +86,8 @@ class WebServerTest : public kvtest::EngineTest {
     if (server_) server_->Stop();
     if (runner_.joinable()) runner_.join();
     server_.reset();
+    std::error_code ignored;
+    std::filesystem::remove_all(app_path_, ignored);
     kvtest::EngineTest::TearDown();
   }
 
@@ -107,6 +138,7 @@ class WebServerTest : public kvtest::EngineTest {
   }
   std::string Error(const Reply& r) { return r.body.value("error", std::string("<none>")); }
 
+  std::filesystem::path app_path_;
   std::unique_ptr<WebServer> server_;
   std::thread runner_;
   std::unique_ptr<httplib::Client> client_;
@@ -306,6 +338,13 @@ TEST_P(WebServerTest, AnotherPersonsScreenIsOutOfReach) {
   EXPECT_EQ(r.body["result"]["CheckStatus"], false);
   EXPECT_EQ(r.body["result"]["Attributes98"], "");
   EXPECT_EQ(r.body["result"]["class"], "PDMLy");
+  // Every field has a picker handler; only the bound ones (estate, type) show the button.
+  std::vector<int> with_button;
+  for (const json& c : r.body["result"]["controls"]) {
+    if (c.value("type", "") == "kvTxt_S" && c.value("button", false))
+      with_button.push_back(c.value("index", -1));
+  }
+  EXPECT_EQ(with_button, (std::vector<int>{2, 3}));
 
   // Signing out ends the session: its screen and cookie are gone.
   ASSERT_EQ(Post("/api/signout", json::object(), &a).status, 200);
@@ -363,6 +402,101 @@ TEST_P(WebServerTest, ServesTheClientWithStrictHeaders) {
   ASSERT_TRUE(r);
   EXPECT_EQ(r->status, 401);
   EXPECT_EQ(r->get_header_value("Cache-Control"), "no-store");
+}
+
+TEST_P(WebServerTest, FilesReachOnlyTheSessionWhoseHostMadeThem) {
+  Exec("insert into fwyz (业主ID,业主编号,业主名称,性别,类型) values (1,'Y01','张三','男',0)");
+  Exec("insert into fwyz (业主ID,业主编号,业主名称,性别,类型) values (2,'K01','李四','女',1)");
+  Browser a = Clerk("甲");
+  Browser b = Clerk("乙");
+  const int owners = Open(a, kOwnersProgID);
+  ASSERT_GT(owners, 0);
+  const json export_csv = {
+      {"op", "export"}, {"screen", owners}, {"control", "Vs"}, {"format", "csv"}};
+
+  // The export names a URL of the session, never the server's path.
+  Reply r = Protocol(a, export_csv);
+  ASSERT_EQ(r.status, 200) << r.body.dump();
+  const json& file = r.body["result"];
+  EXPECT_FALSE(file.contains("path")) << file.dump();
+  EXPECT_EQ(file["format"], "csv");
+  const std::string url = file.value("url", "");
+  ASSERT_EQ(url.rfind("/api/file/", 0), 0u) << file.dump();
+  EXPECT_EQ(file.value("name", "").rfind("PDMYz-Vs-", 0), 0u) << file.dump();
+
+  httplib::Headers cookie_a = {{"Cookie", a.cookie}};
+  auto got = client_->Get(url.c_str(), cookie_a);
+  ASSERT_TRUE(got);
+  EXPECT_EQ(got->status, 200);
+  EXPECT_EQ(got->get_header_value("Content-Type"), "text/csv; charset=utf-8");
+  EXPECT_EQ(got->get_header_value("Content-Disposition").rfind("attachment; filename*=UTF-8''", 0),
+            0u);
+  EXPECT_EQ(got->body.substr(0, 3), "\xEF\xBB\xBF");
+  EXPECT_NE(got->body.find("Y01,张三,男"), std::string::npos) << got->body;
+  EXPECT_EQ(got->body.find("李四"), std::string::npos) << "a client is no owner: " << got->body;
+
+  // Another session, no session, and IDs this session was never given.
+  struct Case {
+    const char* what;
+    std::string path;
+    httplib::Headers headers;
+    int status;
+  };
+  const std::vector<Case> cases = {
+      {"another session", url, {{"Cookie", b.cookie}}, 404},
+      {"no session", url, {}, 401},
+      {"unknown ID", "/api/file/0123456789abcdef0123456789abcdef", cookie_a, 404},
+      {"a path for an ID", "/api/file/..%2F..%2Fetc%2Fpasswd", cookie_a, 404},
+      {"empty ID", "/api/file/", cookie_a, 404},
+  };
+  for (const Case& c : cases) {
+    auto res = client_->Get(c.path.c_str(), c.headers);
+    ASSERT_TRUE(res) << c.what;
+    EXPECT_EQ(res->status, c.status) << c.what << ": " << res->body;
+    EXPECT_EQ(res->body.find("Y01"), std::string::npos) << c.what;
+  }
+  // Nor can another session export a screen of this one.
+  r = Protocol(b, export_csv);
+  EXPECT_EQ(r.status, 404);
+  EXPECT_EQ(Error(r), "no screen " + std::to_string(owners) + " is open in this session");
+  r = Protocol(a, {{"op", "export"}, {"screen", owners}, {"control", "Vs"}, {"format", "pdf"}});
+  EXPECT_EQ(r.status, 422);
+  EXPECT_EQ(Error(r), "unknown export format \"pdf\" (xlsx or csv)");
+
+  // XLSX comes as a spreadsheet download.
+  r = Protocol(a, {{"op", "export"}, {"screen", owners}, {"control", "Vs"}, {"format", "xlsx"}});
+  ASSERT_EQ(r.status, 200) << r.body.dump();
+  got = client_->Get(r.body["result"].value("url", "").c_str(), cookie_a);
+  ASSERT_TRUE(got);
+  EXPECT_EQ(got->status, 200);
+  EXPECT_EQ(got->get_header_value("Content-Type"),
+            "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet");
+  EXPECT_EQ(got->body.substr(0, 2), "PK");
+
+  // A print's page comes as a document URL; it may show in the client's own frame, once.
+  const int printing = Open(a, kPrintingProgID);
+  r = Protocol(a, {{"op", "call"}, {"screen", printing}, {"method", "PrintPreview"}});
+  ASSERT_EQ(r.status, 200) << r.body.dump();
+  ASSERT_EQ(r.body["documents"].size(), 1u) << r.body.dump();
+  const json& doc = r.body["documents"][0];
+  EXPECT_FALSE(doc.contains("path")) << doc.dump();
+  EXPECT_EQ(doc["title"], "客户清单");
+  EXPECT_EQ(doc["direct"], false);
+  got = client_->Get(doc.value("url", "").c_str(), cookie_a);
+  ASSERT_TRUE(got);
+  EXPECT_EQ(got->status, 200);
+  EXPECT_EQ(got->get_header_value("Content-Type"), "text/html; charset=utf-8");
+  EXPECT_NE(got->body.find("李四"), std::string::npos);
+  EXPECT_EQ(got->get_header_value_count("X-Frame-Options"), 1u);
+  EXPECT_EQ(got->get_header_value("X-Frame-Options"), "SAMEORIGIN");
+  EXPECT_EQ(got->get_header_value_count("Content-Security-Policy"), 1u);
+  EXPECT_NE(got->get_header_value("Content-Security-Policy").find("frame-ancestors 'self'"),
+            std::string::npos);
+  EXPECT_EQ(client_->Get(doc.value("url", "").c_str(), {{"Cookie", b.cookie}})->status, 404);
+
+  // Signing out forgets the session's files.
+  ASSERT_EQ(Post("/api/signout", json::object(), &a).status, 200);
+  EXPECT_EQ(client_->Get(url.c_str(), cookie_a)->status, 401);
 }
 
 MRVK_ON_BOTH_ENGINES(WebServerTest);

@@ -66,12 +66,27 @@ async function api(method, path, body) {
   return data;
 }
 
-// One protocol request at a time, in the order they were made.
+// One protocol request at a time, in the order they were made. While any is on its way the
+// page is marked busy (body.busy); the mark goes a task later, so that the request a handler
+// sends on the answer of another (a leave after its type) keeps it.
 let queue = Promise.resolve();
+let inFlight = 0;
 function protocol(request) {
+  inFlight++;
+  document.body.classList.add('busy');
   const run = queue.then(() => api('POST', '/api/protocol', request));
   queue = run.catch(() => {});
+  run.catch(() => {}).finally(() => setTimeout(() => {
+    if (--inFlight === 0) document.body.classList.remove('busy');
+  }, 0));
   return run;
+}
+
+// Fields whose text is on its way (type, then leave). A button waits for them, so a save
+// clicked straight from a field sees the field's text and its check.
+const commits = new Set();
+async function afterCommits() {
+  while (commits.size) await Promise.allSettled([...commits]);
 }
 
 // ---------------------------------------------------------------- status line, alerts
@@ -113,10 +128,13 @@ function openLayer({ title, cls, body, buttons, onClose, name }) {
 
 // Handles the events and pending box of an answer, answering boxes until the operation ends.
 // Resolves to the final answer (ok, result or error).
+// An operation that showed an entry dialog carries dialogShown: its edit was made there.
 async function settle(answer, tab) {
+  let dialogShown = false;
   for (;;) {
     await showEvents(answer, tab);
-    if (!answer.pending) return answer;
+    if (!answer.pending) return dialogShown ? Object.assign(answer, { dialogShown }) : answer;
+    if (answer.pending.kind === 'dialog') dialogShown = true;
     const value = await askPending(answer.pending, tab, answer);
     // A gesture in a dialog that closed it already brought the next answer.
     if (value && value.__answer) { answer = value.__answer; continue; }
@@ -238,7 +256,7 @@ function pickerLayer(p, answer) {
       const own = (d.controls || []).filter((c) =>
         c.type !== 'VsFlexGrid' && c.type !== 'kvGrid' && c.type !== 'CommandButton');
       renderControls(controls, own, {
-        gesture: (g) => dialogGesture(g, render, resolve, () => layerClose()),
+        gesture: (g) => dialogGesture(g, render, resolve, () => layerClose(), 'picker'),
       });
       const note = el('div', { class: 'hint', text:
         `共 ${d.count ?? (d.rows || []).length} 行` + (d.multiple ? '（按住 Ctrl 可多选）' : '') });
@@ -260,11 +278,13 @@ function pickerLayer(p, answer) {
   });
 }
 
-// A gesture on the controls of the shown dialog; redraws it from the answer, or, when the
-// gesture closed it (its handler hid the dialog), hands the answer on.
-async function dialogGesture(g, render, resolve, closeLayer) {
+// A gesture on the controls of the shown dialog or picker (kind); redraws it from the
+// answer, or, when the gesture closed it (its handler hid the dialog) or showed a box or form
+// of another kind (a picker from a dialog's field), hands the answer on: the operation
+// answers that and shows the dialog again when it is back.
+async function dialogGesture(g, render, resolve, closeLayer, kind) {
   const a = await protocol(Object.assign({ op: 'gesture', dialog: true }, g));
-  if (a.pending && (a.pending.kind === 'dialog' || a.pending.kind === 'picker')) {
+  if (a.pending && a.pending.kind === kind) {
     await showEvents(Object.assign({}, a, { pending: undefined, error: undefined }), null);
     render(a.pending, a);
     return;
@@ -274,27 +294,133 @@ async function dialogGesture(g, render, resolve, closeLayer) {
   resolve({ __answer: a });
 }
 
+// An entry dialog: its fields in a two-column form with aligned captions, its option
+// buttons on one line, its command buttons in the footer. The layer stays while the dialog
+// is shown; each answer redraws its content, keeping the focus and a text being typed.
+// Enter in a field commits the field only; Esc is the close box (answered null); Alt and
+// a button's access key clicks that button.
 function dialogLayer(p, answer) {
   return new Promise((resolve) => {
-    let layerClose = null;
+    let layer = null;
+    let closeLayer = null;
+    let footer = null;
+    let buttons = [];
+    const typed = new Map();  // texts sent and not yet answered, by control
     const render = (pending, lastAnswer) => {
-      if (layerClose) layerClose();
       const d = pending.dialog || {};
-      const box = el('div', { class: 'ctl-flow dialog-controls' });
-      renderControls(box, d.controls || [], {
-        gesture: (g) => dialogGesture(g, render, resolve, () => layerClose()),
-      });
+      const ctx = { gesture: (g) => dialogGesture(g, render, resolve, () => closeLayer(), 'dialog'),
+                    pending: typed };
+      const focus = captureFocus(layer);
+      const { form, commands } = dialogForm(d.controls || [], ctx);
       const err = lastAnswer && !lastAnswer.ok && lastAnswer.error
-        ? el('div', { class: 'error', text: lastAnswer.error }) : null;
-      ({ close: layerClose } = openLayer({
-        title: d.caption || pending.title || '', name: 'dialog', body: [err, box],
-        onClose: () => resolve(null),
-      }));
+        ? el('div', { class: 'error', role: 'alert', text: lastAnswer.error }) : null;
+      buttons = commands;
+      if (!layer) {
+        ({ close: closeLayer, layer } = openLayer({
+          title: d.caption || pending.title || '', name: 'dialog', cls: 'entry-dialog',
+          body: [err, form], onClose: () => resolve(null),
+        }));
+        footer = el('div', { class: 'buttons' });
+        layer.append(footer);
+        layer.addEventListener('keydown', (e) => {
+          if (!e.altKey || e.ctrlKey || e.metaKey || e.key.length !== 1) return;
+          const hit = buttons.find((b) => b.dataset.accessKey === e.key.toUpperCase());
+          if (!hit || hit.disabled) return;
+          e.preventDefault();
+          // The field being typed in gives up its text first, as a click would take it.
+          if (document.activeElement && layer.contains(document.activeElement)) document.activeElement.blur();
+          hit.click();
+        });
+      } else {
+        layer.querySelector('.title span').textContent = d.caption || pending.title || '';
+        const body = layer.querySelector('.body');
+        body.textContent = '';
+        body.append(...[err, form].filter(Boolean));
+      }
+      footer.textContent = '';
+      footer.append(...commands);
+      footer.hidden = commands.length === 0;
+      if (!restoreFocus(layer, focus)) focusFirst(layer);
     };
     render(p, answer);
   });
 }
 
+// The controls of an entry dialog as a form, and its command buttons apart for the footer.
+function dialogForm(controls, ctx) {
+  const form = el('div', { class: 'dialog-form' });
+  const commands = [];
+  const groups = new Map();
+  const rest = [];
+  for (const c of controls.filter((x) => x.visible !== false)) {
+    if (c.type === 'CommandButton' || c.type === 'Button') {
+      commands.push(drawControl(c, ctx));
+    } else if (c.type === 'OptionButton') {
+      // The option buttons of one name are one group, on one line where the first stands.
+      if (!groups.has(c.name)) {
+        const line = el('div', { class: 'option-group', role: 'radiogroup' });
+        groups.set(c.name, line);
+        form.append(el('div', { class: 'field options' }, el('span', { class: 'caption' }), line));
+      }
+      groups.get(c.name).append(drawControl(c, ctx));
+    } else if (c.type === 'Frame' || c.type === 'PictureBox' || c.type === 'SSTab' ||
+               c.container) {
+      rest.push(c);
+    } else {
+      const node = drawControl(c, ctx);
+      if (!node) continue;
+      const cap = node.querySelector(':scope > .caption');
+      if (cap) cap.textContent = cap.textContent.trim();
+      if (c.multiline || c.type === 'VsFlexGrid' || c.type === 'kvGrid' ||
+          c.type === 'TreeView') node.classList.add('wide');
+      form.append(node);
+    }
+  }
+  if (rest.length) {
+    const more = el('div', { class: 'ctl-flow wide' });
+    renderControls(more, rest, ctx);
+    form.append(more);
+  }
+  return { form, commands };
+}
+
+// The focused control of a layer or screen (by its data-control), with a text typed into it
+// that was not sent yet.
+function captureFocus(root) {
+  const a = document.activeElement;
+  if (!root || !a || !root.contains(a)) return null;
+  const holder = a.closest('[data-control]');
+  if (!holder) return null;
+  return { key: holder.dataset.control, tag: a.tagName, value: a.value,
+           original: a.dataset.original, start: a.selectionStart, end: a.selectionEnd };
+}
+
+// Puts the focus back on the same control after a redraw; a text typed but not yet sent
+// stays when the control still shows what it showed before. True when it found the control.
+function restoreFocus(root, f) {
+  if (!root || !f) return false;
+  const holder = root.querySelector(`[data-control="${CSS.escape(f.key)}"]`);
+  if (!holder) return false;
+  const target = holder.matches('input, select, textarea, button')
+    ? holder : holder.querySelector('input, select, textarea, button');
+  if (!target || target.disabled) return false;
+  if (target.tagName === f.tag && f.original !== undefined && f.value !== f.original &&
+      target.value === f.original) target.value = f.value;
+  target.focus();
+  try {
+    if (f.start !== null && f.start !== undefined) target.setSelectionRange(f.start, f.end);
+  } catch (e) { /* not a text control */ }
+  return true;
+}
+
+// The control the state marks as focused, else the first that takes input.
+function focusFirst(root) {
+  const marked = root.querySelector('.focus-mark input:not([disabled]), .focus-mark select:not([disabled])');
+  const first = marked ||
+    root.querySelector('.body input:not([disabled]):not([readonly]), .body select:not([disabled])') ||
+    root.querySelector('.buttons button:not([disabled])');
+  if (first) first.focus();
+}
 
 // ---------------------------------------------------------------- controls
 
@@ -346,6 +472,28 @@ function caption(text) {
   return String(text || '').replace(/&&|&/g, (m) => (m === '&&' ? '&' : ''));
 }
 
+// A caption with its access key underlined; the key (upper case) or '' as well.
+function captionNodes(text) {
+  const nodes = [];
+  let key = '';
+  let plain = '';
+  const t = String(text || '');
+  for (let i = 0; i < t.length; i++) {
+    if (t[i] === '&' && t[i + 1] === '&') { plain += '&'; i++; continue; }
+    if (t[i] === '&' && i + 1 < t.length && !key) {
+      if (plain) nodes.push(plain);
+      plain = '';
+      key = t[i + 1].toUpperCase();
+      nodes.push(el('u', { class: 'access-key', text: t[i + 1] }));
+      i++;
+      continue;
+    }
+    if (t[i] !== '&') plain += t[i];
+  }
+  if (plain) nodes.push(plain);
+  return { nodes, key };
+}
+
 function controlRef(c) {
   const g = { control: c.name };
   if (c.index !== undefined) g.index = c.index;
@@ -364,13 +512,28 @@ function drawControl(c, ctx) {
   };
   // A text typed into a field goes back as type + leave when it was changed.
   const bindText = (input, original) => {
+    input.dataset.original = original;
     const commit = async () => {
-      if (input.value === original) return;
+      // A redraw replaced a field being typed in: the new one carries the text on.
+      if (!input.isConnected || input.value === original) return;
       original = input.value;
-      await ctx.gesture(Object.assign({ gesture: 'type', text: input.value }, ref), true);
-      await ctx.gesture(Object.assign({ gesture: 'leave' }, ref));
+      input.dataset.original = original;
+      // Until the host has the text, redraws show it as typed.
+      if (ctx.pending) ctx.pending.set(key, original);
+      const text = original;
+      const run = (async () => {
+        try {
+          await ctx.gesture(Object.assign({ gesture: 'type', text }, ref), true);
+        } finally {
+          if (ctx.pending && ctx.pending.get(key) === text) ctx.pending.delete(key);
+        }
+        await ctx.gesture(Object.assign({ gesture: 'leave' }, ref));
+      })();
+      commits.add(run);
+      try { await run; } finally { commits.delete(run); }
     };
     input.addEventListener('change', commit);
+    input.addEventListener('blur', commit);
     input.addEventListener('keydown', (e) => {
       if (e.key === 'Enter' && input.tagName !== 'TEXTAREA') { e.preventDefault(); commit(); }
     });
@@ -382,7 +545,8 @@ function drawControl(c, ctx) {
       let input;
       if (c.list && c.list.length && !c.locked) {
         input = el('select', { disabled },
-          [''].concat(c.list).map((v) => el('option', { value: v, text: v })));
+          (c.list.includes('') ? c.list : [''].concat(c.list))
+            .map((v) => el('option', { value: v, text: v })));
         input.value = c.text || '';
       } else if (c.multiline) {
         input = el('textarea', { rows: 3, readOnly: !!c.locked, disabled });
@@ -395,10 +559,19 @@ function drawControl(c, ctx) {
         if (c.kind === 'number') input.classList.add('num');
       }
       input.name = key;
-      bindText(input, c.text || '');
+      if (input.tagName === 'SELECT') {
+        // A closed list takes its entry as a pick.
+        input.addEventListener('change',
+          () => ctx.gesture(Object.assign({ gesture: 'pick', text: input.value }, ref)));
+      } else {
+        const typed = ctx.pending ? ctx.pending.get(key) : undefined;
+        if (typed !== undefined) input.value = typed;
+        bindText(input, typed !== undefined ? typed : (c.text || ''));
+      }
       const parts = [el('span', { class: 'caption', text: caption(c.caption) }), input];
       if (c.unit) parts.push(el('span', { class: 'unit', text: c.unit }));
-      if (c.button) {
+      // The button shows where the field's state says so; a closed list is its own drop-down.
+      if (c.button && input.tagName !== 'SELECT') {
         parts.push(el('button', { type: 'button', class: 'pick', text: '…', title: '选择',
           disabled: disabled || !!c.locked,
           onclick: () => ctx.gesture(Object.assign({ gesture: 'pick' }, ref)) }));
@@ -433,9 +606,14 @@ function drawControl(c, ctx) {
       return wrap(el('label', { class: 'ctl-option' }, box, caption(c.caption)));
     }
     case 'CommandButton':
-    case 'Button':
-      return wrap(el('button', { type: 'button', class: 'ctl-button', text: caption(c.caption) || c.name,
-        disabled, onclick: () => ctx.gesture(Object.assign({ gesture: 'click' }, ref)) }));
+    case 'Button': {
+      const { nodes, key: access } = captionNodes(c.caption);
+      const button = el('button', { type: 'button', class: 'ctl-button', disabled,
+        onclick: () => afterCommits().then(() => ctx.gesture(Object.assign({ gesture: 'click' }, ref))) },
+        nodes.length ? nodes : c.name);
+      if (access) { button.dataset.accessKey = access; button.title = 'Alt+' + access; }
+      return wrap(button);
+    }
     case 'Label':
       return c.caption ? wrap(el('span', { class: 'ctl-label', text: caption(c.caption) })) : null;
     case 'TreeView':
@@ -566,10 +744,13 @@ function drawGrid(c, ref, ctx) {
       if (st.bold) td.style.fontWeight = 'bold';
       td.addEventListener('click', () =>
         ctx.gesture(Object.assign({ gesture: 'cell_click', row: r.row, col: ci }, ref)));
-      td.addEventListener('dblclick', () => {
-        if (editable && !col.read_only && ci >= fixedCols) editCell(td, r, ci, ref, ctx);
-        else ctx.gesture(Object.assign({ gesture: 'cell_dblclick', row: r.row, col: ci }, ref));
-      });
+      if (editable && !col.read_only && ci >= fixedCols) {
+        td.classList.add('editable');
+        td.addEventListener('dblclick', () => editCell(td, r, ci, ref, ctx));
+      } else if (!ctx.delegatesDblclick) {
+        td.addEventListener('dblclick', () =>
+          ctx.gesture(Object.assign({ gesture: 'cell_dblclick', row: r.row, col: ci }, ref)));
+      }
       tr.append(td);
     }
     tbody.append(tr);
@@ -578,7 +759,6 @@ function drawGrid(c, ref, ctx) {
   const wrap = el('div', { class: 'grid-wrap' }, table);
   const dataRows = (c.rows || 0) - fixedRows;
   const box = el('div', { class: 'grid-box' }, wrap);
-  box.style.flexBasis = '100%';
   if (dataRows > data.length && c.type === 'VsFlexGrid') {
     // Large grids come 200 rows at a time from the top row; the pager scrolls the grid.
     const top = c.top_row || fixedRows;
@@ -654,6 +834,7 @@ async function openScreen(progID, record) {
   tabs.push(tab);
   tab.node = el('div', { class: 'screen', 'data-screen': String(tab.screen),
                          'data-prog': String(progID) });
+  tab.node.addEventListener('dblclick', (e) => screenDblclick(tab, e));
   $('screens').append(tab.node);
   tab.tabEl = el('div', { class: 'tab', role: 'tab', 'data-prog': String(progID) },
     el('span', { text: entry.name }),
@@ -700,11 +881,57 @@ async function refreshState(tab) {
 
 function drawScreen(tab) {
   const scrollTop = $('screens').scrollTop;
+  const focus = captureFocus(tab.node);
+  // The scroll position of each grid, so a redraw after a click keeps the rows in place.
+  const gridScroll = new Map([...tab.node.querySelectorAll('[data-control] > .grid-wrap')]
+    .map((w) => [w.parentElement.dataset.control, [w.scrollTop, w.scrollLeft]]));
   tab.node.textContent = '';
-  renderControls(tab.node, tab.state.controls || [], {
+  const controls = tab.state.controls || [];
+  const shown = controls.filter((c) => c.visible !== false);
+  const grids = shown.filter((c) => c.type === 'VsFlexGrid' || c.type === 'kvGrid');
+  // A list sheet: one read-only grid is the screen; it fills the height, and a double click
+  // on a row edits that row.
+  const listSheet = 'IsDirty' in tab.state && grids.length === 1 &&
+    !shown.some((c) => c.type === 'TreeView' || c.type === 'kvTxt_S' || c.type === 'TextBox');
+  tab.node.classList.toggle('fill', grids.length === 1 && !shown.some((c) => c.type === 'TreeView'));
+  if (!tab.typed) tab.typed = new Map();
+  tab.listSheet = listSheet;
+  renderControls(tab.node, controls, {
+    pending: tab.typed,
     gesture: (g, noRefresh) => screenGesture(tab, g, noRefresh),
+    delegatesDblclick: true,  // screenDblclick
   });
+  for (const [key, [top, left]] of gridScroll) {
+    const w = tab.node.querySelector(`[data-control="${CSS.escape(key)}"] > .grid-wrap`);
+    if (w) { w.scrollTop = top; w.scrollLeft = left; }
+  }
   $('screens').scrollTop = scrollTop;
+  restoreFocus(tab.node, focus);
+}
+
+// A double click on a cell of a screen's grid (but an editable one, which edits in place).
+// It is taken on the screen, not the cell: the first click's redraw may have replaced the
+// cell under the pointer, so the cell is found where the pointer is.
+function screenDblclick(tab, e) {
+  const hit = document.elementFromPoint(e.clientX, e.clientY);
+  const td = hit && hit.closest('td[data-col]');
+  const tr = td && td.closest('tr[data-row]');
+  const holder = tr && tr.closest('[data-control]');
+  if (!holder || !tab.node.contains(holder) || td.classList.contains('editable')) return;
+  const [, name, index] = /^(.*?)(?:\((-?\d+)\))?$/.exec(holder.dataset.control);
+  const ref = { control: name };
+  if (index !== undefined) ref.index = Number(index);
+  const row = Number(tr.dataset.row);
+  const col = Number(td.dataset.col);
+  if (tab.listSheet) openRow(tab, row, col, ref);
+  else screenGesture(tab, Object.assign({ gesture: 'cell_dblclick', row, col }, ref));
+}
+
+// A double click on a row of a list sheet: the row becomes current, then the sheet edits it.
+async function openRow(tab, row, col, ref) {
+  if (toolbarBusy || !enabledCommands(tab).has('FileEdit')) return;
+  await screenGesture(tab, Object.assign({ gesture: 'cell_click', row, col }, ref), true);
+  await toolbarCommand(tab, 'FileEdit');
 }
 
 async function screenGesture(tab, g, noRefresh) {
@@ -777,8 +1004,9 @@ async function toolbarCommand(tab, cmd) {
   toolbarBusy = true;
   drawToolbar();
   try {
-    if (cmd === 'DoPrint' || cmd === 'PrintPreview' || cmd === 'Export') {
-      await alertLayer((cmd === 'Export' ? '导出' : '打印和预览') + '暂不可用（not available yet）', tab.name);
+    await afterCommits();
+    if (cmd === 'Export') {
+      await exportGrid(tab);
       return;
     }
     let args = [];
@@ -789,16 +1017,103 @@ async function toolbarCommand(tab, cmd) {
     }
     const a = await settle(await protocol({ op: 'call', screen: tab.screen, method: cmd, args }), tab);
     if (a.ok && a.result !== false) {
-      if (cmd === 'FileNew' || cmd === 'FileEdit') tab.editing = true;
+      // A list sheet edits in its entry dialog, which is closed by now.
+      if ((cmd === 'FileNew' || cmd === 'FileEdit') && !a.dialogShown) tab.editing = true;
       if (cmd === 'FileSave' || cmd === 'FileCancel' || cmd === 'FileDelete') tab.editing = false;
     } else if (!a.ok) {
       await alertLayer(a.error || '操作失败', tab.name);
+    }
+    if (a.print_error) await alertLayer('打印页面未能生成：' + a.print_error, tab.name);
+    if (a.documents && a.documents.length) {
+      showDocuments(a.documents);
+    } else if ((cmd === 'DoPrint' || cmd === 'PrintPreview') && a.ok && !a.print_error) {
+      status('没有可打印的页面');
     }
     await refreshState(tab);
   } finally {
     toolbarBusy = false;
     drawToolbar();
   }
+}
+
+// ---------------------------------------------------------------- printing and export
+
+// The pages a print made, in a layer: the page in a frame, a print button, and a link that
+// opens it in a tab of its own. A direct print opens the browser's print dialogue at once.
+function showDocuments(docs) {
+  let current = docs[0];
+  const frame = el('iframe', { class: 'preview-frame', title: '打印预览' });
+  const open = el('a', { class: 'open-tab', target: '_blank', rel: 'noopener', text: '在新标签页打开' });
+  const show = (doc) => {
+    current = doc;
+    frame.src = doc.url;
+    open.href = doc.url;
+    pages.querySelectorAll('button').forEach((b) => b.classList.toggle('active', b.dataset.url === doc.url));
+  };
+  const pages = el('div', { class: 'preview-pages' }, docs.length > 1
+    ? docs.map((d, i) => el('button', { type: 'button', 'data-url': d.url,
+        text: d.title || ('第 ' + (i + 1) + ' 页'), onclick: () => show(d) }))
+    : null);
+  const print = () => { try { frame.contentWindow.focus(); frame.contentWindow.print(); } catch (e) { status(e.message); } };
+  let close;
+  ({ close } = openLayer({
+    title: '打印预览 - ' + (current.title || ''), name: 'preview', cls: 'preview',
+    body: [pages, frame],
+    buttons: [open, el('button', { type: 'button', text: '打印', class: 'print', onclick: print }),
+              el('button', { type: 'button', text: '关闭', onclick: () => close() })],
+    onClose: () => {},
+  }));
+  if (current.direct) frame.addEventListener('load', print, { once: true });
+  show(current);
+}
+
+// Export of a grid of the screen to a spreadsheet or CSV, downloaded by the browser.
+async function exportGrid(tab) {
+  const grids = ((tab.state && tab.state.controls) || []).filter((c) =>
+    c.visible !== false && (c.type === 'VsFlexGrid' || c.type === 'kvGrid'));
+  if (!grids.length) { await alertLayer('当前界面没有可导出的表格', tab.name); return; }
+  const choice = await exportLayer(grids);
+  if (!choice) return;
+  const req = { op: 'export', screen: tab.screen, control: choice.grid.name, format: choice.format };
+  if (choice.grid.index !== undefined) req.index = choice.grid.index;
+  const a = await settle(await protocol(req), tab);
+  if (!a.ok || !a.result || !a.result.url) {
+    await alertLayer(a.error || '导出失败', tab.name);
+    return;
+  }
+  const link = el('a', { href: a.result.url, download: a.result.name, hidden: true });
+  document.body.append(link);
+  link.click();
+  link.remove();
+  status('已导出 ' + a.result.name);
+}
+
+function exportLayer(grids) {
+  return new Promise((resolve) => {
+    const keyOf = (c) => c.name + (c.index !== undefined ? '(' + c.index + ')' : '');
+    const which = grids.length > 1
+      ? el('select', { class: 'export-grid' }, grids.map((g, i) => el('option', { value: String(i), text: keyOf(g) })))
+      : null;
+    const format = (value, label, checked) => el('label', { class: 'ctl-option' },
+      el('input', { type: 'radio', name: 'export-format', value, checked }), label);
+    const formats = el('div', { class: 'option-group' },
+      format('xlsx', 'Excel 工作簿 (.xlsx)', true), format('csv', 'CSV 文本 (.csv)', false));
+    let close;
+    const ok = () => {
+      const f = formats.querySelector('input:checked').value;
+      close();
+      resolve({ grid: grids[which ? Number(which.value) : 0], format: f });
+    };
+    ({ close } = openLayer({
+      title: '导出', name: 'export',
+      body: [which ? el('label', { class: 'field' }, el('span', { class: 'caption', text: '表格' }), which) : null,
+             formats],
+      buttons: [el('button', { type: 'button', text: '确定', onclick: ok }),
+                el('button', { type: 'button', text: '取消', onclick: () => { close(); resolve(null); } })],
+      onClose: () => resolve(null),
+    }));
+    formats.querySelector('input:checked').focus();
+  });
 }
 
 // The host's find and filter dialog: rows of field, operator and value, as the condition
