@@ -26,6 +26,16 @@ std::string NewExportPath(const fs::path& folder, const std::string& stem,
       .string();
 }
 
+// The grid control name(index) of a screen, or an error status.
+Status FindScreenGrid(Screen& screen, const std::string& name, int index, GridControl*& grid) {
+  mrvk::IDesignUI* design = screen.design();
+  Control* control = design ? design->Controls().Find(name, index) : nullptr;
+  if (!control) return Status::Error(screen.class_name + " has no control " + name);
+  grid = dynamic_cast<GridControl*>(control);
+  if (!grid) return Status::Error(control->DisplayName() + " is no grid");
+  return Status::Ok();
+}
+
 }  // namespace
 
 void RenderSheetPrint(Host& host, Screen& screen, const std::string& method, std::string& error) {
@@ -58,20 +68,32 @@ Status ExportScreenGrid(Host& host, Screen& screen, const std::string& name, int
   path.clear();
   if (format != "xlsx" && format != "csv")
     return Status::Error("unknown export format \"" + format + "\" (xlsx or csv)");
-  mrvk::IDesignUI* design = screen.design();
-  Control* control = design ? design->Controls().Find(name, index) : nullptr;
-  if (!control) return Status::Error(screen.class_name + " has no control " + name);
-  auto* grid = dynamic_cast<GridControl*>(control);
-  if (!grid) return Status::Error(control->DisplayName() + " is no grid");
+  GridControl* grid = nullptr;
+  if (Status st = FindScreenGrid(screen, name, index, grid); !st.ok()) return st;
   const fs::path folder = fs::path(host.config().app_path) / "selfExport";
   std::error_code ec;
   fs::create_directories(folder, ec);
-  const std::string file = NewExportPath(folder, screen.class_name + "-" + control->Name(), format);
+  const std::string file = NewExportPath(folder, screen.class_name + "-" + grid->Name(), format);
   std::string error;
   const bool ok = format == "xlsx" ? ExportGridXlsx(*grid, file, screen.class_name, error)
                                    : ExportGridCsv(*grid, file, error);
   if (!ok) return Status::Error(error);
   path = file;
+  return Status::Ok();
+}
+
+Status PrintScreenGrid(Host& host, Screen& screen, const std::string& name, int index,
+                       const std::string& title, bool direct) {
+  GridControl* grid = nullptr;
+  if (Status st = FindScreenGrid(screen, name, index, grid); !st.ok()) return st;
+  const std::string settings =
+      (fs::path(host.config().app_path) / "selfPrn" / (screen.class_name + ".prn")).string();
+  PrintJob job;
+  bool done = false;
+  if (!job.Print(settings, title, /*heading=*/"", *grid, /*extra=*/"", direct,
+                 /*layout_file=*/"", done) ||
+      !done)
+    return Status::Error(job.ErrorText().empty() ? "the page could not be made" : job.ErrorText());
   return Status::Ok();
 }
 

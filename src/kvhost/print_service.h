@@ -27,4 +27,12 @@ nlohmann::json TakeDocumentsJson();
 Status ExportScreenGrid(Host& host, Screen& screen, const std::string& name, int index,
                         const std::string& format, std::string& path);
 
+// The host's own print of a screen's grid control name(index), for screens that do not print
+// themselves: a page of the grid with the settings file AppPath/selfPrn/<class>.prn and the
+// title given, made as a preview (or for printing at once with direct) and announced for the
+// answer's "documents". An error status for an unknown control, a control that is no grid, or
+// a page that cannot be written.
+Status PrintScreenGrid(Host& host, Screen& screen, const std::string& name, int index,
+                       const std::string& title, bool direct);
+
 }  // namespace kvhost

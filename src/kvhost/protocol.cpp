@@ -169,6 +169,8 @@ bool Field(const json& req, const char* name, T& out, std::string& error, bool r
   try {
     if constexpr (std::is_same_v<T, std::string>) {
       if (!it->is_string()) throw std::invalid_argument("");
+    } else if constexpr (std::is_same_v<T, bool>) {
+      if (!it->is_boolean()) throw std::invalid_argument("");
     } else if constexpr (std::is_integral_v<T>) {
       if (!it->is_number_integer() && !it->is_number_unsigned()) throw std::invalid_argument("");
       const int64_t v = it->get<int64_t>();
@@ -227,6 +229,7 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
     if (op == "close") return RunOnWorker([&] { return Close(req); });
     if (op == "tool") return RunOnWorker([&] { return Tool(req); });
     if (op == "export") return RunOnWorker([&] { return Export(req); });
+    if (op == "print_grid") return RunOnWorker([&] { return PrintGrid(req); });
     return Fail("unknown op \"" + op + "\"");
   }
 
@@ -488,6 +491,21 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
     Status st = ExportScreenGrid(*host_, *s, control, index, format, path);
     if (!st.ok()) return Fail(st.message());
     return Done({{"path", path}, {"format", format}});
+  }
+
+  // {"op":"print_grid","screen":S,"control":"Vs","index":-1,"title":T,"direct":false}: the
+  // host's own page of a grid, in the answer's "documents".
+  json PrintGrid(const json& req) {
+    std::string control, title, error;
+    int index = -1;
+    bool direct = false;
+    Screen* s = FindScreen(req, error);
+    if (!s || !Field(req, "control", control, error) || !Field(req, "index", index, error, false) ||
+        !Field(req, "title", title, error, false) || !Field(req, "direct", direct, error, false))
+      return Fail(error);
+    Status st = PrintScreenGrid(*host_, *s, control, index, title, direct);
+    if (!st.ok()) return Fail(st.message());
+    return Done(true);
   }
 
   // Reads the gesture of a request; false with the reason when it is malformed.

@@ -48,7 +48,8 @@ export async function startBrowser() {
     args: ['--no-sandbox', '--disable-gpu', '--disable-dev-shm-usage'],
   });
   const context = await browser.newContext({ viewport: { width: 1280, height: 800 }, locale: 'zh-CN' });
-  context.setDefaultTimeout(8000);
+  // Generous for a busy machine; a passing step takes well under a second.
+  context.setDefaultTimeout(20000);
   return { browser, context };
 }
 

@@ -407,8 +407,8 @@ class WebApp::Impl {
       return Refuse(403, "the op \"" + op +
                              "\" is not available in the web client: the server opens the "
                              "session on its own database and answers the menu (GET /api/menu)");
-    static const std::set<std::string> kOps = {"open",   "call",  "gesture", "state",
-                                               "answer", "close", "tool",    "export"};
+    static const std::set<std::string> kOps = {"open",  "call", "gesture", "state",     "answer",
+                                               "close", "tool", "export",  "print_grid"};
     if (!kOps.count(op)) return Refuse(400, "unknown op \"" + op + "\"");
     json forward = req;
     if (op == "open" || op == "tool") {
@@ -432,7 +432,7 @@ class WebApp::Impl {
     }
     auto dialog = req.find("dialog");
     const bool for_dialog = dialog != req.end() && dialog->is_boolean() && dialog->get<bool>();
-    if (op == "call" || op == "close" || op == "export" ||
+    if (op == "call" || op == "close" || op == "export" || op == "print_grid" ||
         ((op == "gesture" || op == "state") && !for_dialog)) {
       int64_t screen = 0;
       if (!IntField(req, "screen", screen)) return Refuse(400, "\"" + op + "\" names a screen");

@@ -3,6 +3,9 @@
 // delete with its question, on both engines.
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+
 #include "kvhost/protocol.h"
 #include "support/engines.h"
 
@@ -86,6 +89,28 @@ TEST_P(ListSheetProtocolTest, AClerksDayOnTheOwnersList) {
   EXPECT_FALSE(a.contains("pending")) << a.dump();
   EXPECT_EQ(Rows("select 电话 from fwyz where 业主编号='Y02'"),
             json::array({json::array({"139"})}));
+
+  // The sheet does not print itself; the host prints its grid as a page, once asked right.
+  a = Send({{"op", "print_grid"}, {"screen", s}, {"control", "Vs"}, {"title", "业主信息"}});
+  ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
+  ASSERT_EQ(a["documents"].size(), 1u) << a.dump();
+  EXPECT_EQ(a["documents"][0]["title"], "业主信息");
+  EXPECT_EQ(a["documents"][0]["direct"], false);
+  {
+    std::ifstream in(a["documents"][0]["path"].get<std::string>());
+    const std::string page((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_NE(page.find(">Y02</td><td class=\"l\">赵六</td>"), std::string::npos) << page;
+    EXPECT_EQ(page.find("业主ID"), std::string::npos);  // the hidden ID column stays out
+  }
+  for (const json& bad :
+       {json{{"op", "print_grid"}, {"screen", s}, {"control", "Nope"}},
+        json{{"op", "print_grid"}, {"screen", s}, {"control", "Vs"}, {"direct", "yes"}}}) {
+    a = Send(bad);
+    EXPECT_FALSE(a["ok"].get<bool>()) << bad.dump();
+    EXPECT_FALSE(a.contains("documents"));
+  }
+  EXPECT_EQ(Send({{"op", "print_grid"}, {"screen", s}, {"control", "Nope"}})["error"],
+            "PDMYz has no control Nope");
 
   // Delete the first: the question, then it is gone.
   a = Send({{"op", "gesture"},

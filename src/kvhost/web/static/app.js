@@ -1027,7 +1027,8 @@ async function toolbarCommand(tab, cmd) {
     if (a.documents && a.documents.length) {
       showDocuments(a.documents);
     } else if ((cmd === 'DoPrint' || cmd === 'PrintPreview') && a.ok && !a.print_error) {
-      status('没有可打印的页面');
+      // A screen that does not print itself: the host prints its list grid.
+      if (!(await printListGrid(tab, cmd === 'DoPrint'))) status('没有可打印的页面');
     }
     await refreshState(tab);
   } finally {
@@ -1065,6 +1066,21 @@ function showDocuments(docs) {
   }));
   if (current.direct) frame.addEventListener('load', print, { once: true });
   show(current);
+}
+
+// The host's page of the screen's first list grid, shown as a preview (or printed at once
+// with direct). False when the screen has no list grid or no page came.
+async function printListGrid(tab, direct) {
+  const grid = ((tab.state && tab.state.controls) || []).find((c) =>
+    c.visible !== false && c.type === 'VsFlexGrid');
+  if (!grid) return false;
+  const req = { op: 'print_grid', screen: tab.screen, control: grid.name, title: tab.name, direct };
+  if (grid.index !== undefined) req.index = grid.index;
+  const a = await settle(await protocol(req), tab);
+  if (!a.ok) { await alertLayer(a.error || '打印失败', tab.name); return true; }
+  if (!a.documents || !a.documents.length) return false;
+  showDocuments(a.documents);
+  return true;
 }
 
 // Export of a grid of the screen to a spreadsheet or CSV, downloaded by the browser.
