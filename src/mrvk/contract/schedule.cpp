@@ -25,19 +25,6 @@ constexpr int64_t kLastMonthIndex = 9999 * 12 + 11;
 // the bound of what a vector of periods is reserved for.
 constexpr int64_t kMostPeriods = 10000 * 12 + 1;
 
-// Calls Release on every way out of a procedure that opened commands, also when a run-time
-// failure passes through on its way to the caller's handler.
-class ReleaseOnExit {
- public:
-  explicit ReleaseOnExit(IHostDatabase& db) : db_(db) {}
-  ~ReleaseOnExit() { db_.Release(); }
-  ReleaseOnExit(const ReleaseOnExit&) = delete;
-  ReleaseOnExit& operator=(const ReleaseOnExit&) = delete;
-
- private:
-  IHostDatabase& db_;
-};
-
 bool Failed(const IHostDatabase& db) { return !db.Error().Description().empty(); }
 
 // One fee term of fwhdfs as the schedule needs it: the name as stored, the numbers through

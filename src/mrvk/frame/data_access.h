@@ -28,6 +28,19 @@ std::string DateLiteral(const IHostDatabase& db, std::string_view date_text);
 // A failed statement gives "" and leaves its text in db.Error().
 std::string ScalarText(IHostDatabase& db, const std::string& sql);
 
+// Calls Release on every way out of a procedure that opened commands, also when a run-time
+// failure passes through on its way to the caller's handler.
+class ReleaseOnExit {
+ public:
+  explicit ReleaseOnExit(IHostDatabase& db) : db_(db) {}
+  ~ReleaseOnExit() { db_.Release(); }
+  ReleaseOnExit(const ReleaseOnExit&) = delete;
+  ReleaseOnExit& operator=(const ReleaseOnExit&) = delete;
+
+ private:
+  IHostDatabase& db_;
+};
+
 // The revision suffix a saved document number takes when the function's attribute
 // "onsavecode" is 1: "HT2012" -> "HT2012-1", "HT2012-3" -> "HT2012-4", "A-B-3" -> "A-B-4",
 // "A-" -> "A-1", "A-x" -> "A-1" (the part behind the last "-" read through Val, plus 1).

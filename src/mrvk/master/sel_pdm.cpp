@@ -365,10 +365,7 @@ bool selPdm::Validate(const std::string&, const std::string& value_column,
                       code + "=" + typed + " OR " + name + "=" + typed + ")";
     if (!where.empty()) sql += " and " + where;
     IHostDatabase& db = context_->Database();
-    struct Release {
-      IHostDatabase& db;
-      ~Release() { db.Release(); }
-    } release{db};
+    ReleaseOnExit release(db);
     auto rs = db.CreateCommand(sql, 1)->OpenRecordset();
     if (const std::string error = db.Error().Description(); !error.empty()) {
       MsgBox("错误：" + error, msgbox::kCritical, "");

@@ -196,10 +196,7 @@ bool selPdmFy::Validate(const std::string&, const std::string&, const std::strin
     if (Val(Param("lock")) != 0) sql += " and 楼宇名称=" + SqlQuoted(Param("楼宇"));
     sql += StateClauses();
     IHostDatabase& db = context_->Database();
-    struct Release {
-      IHostDatabase& db;
-      ~Release() { db.Release(); }
-    } release{db};
+    ReleaseOnExit release(db);
     auto rs = db.CreateCommand(sql, 1)->OpenRecordset();
     if (const std::string error = db.Error().Description(); !error.empty()) {
       MsgBox("错误：" + error, msgbox::kCritical, "");
