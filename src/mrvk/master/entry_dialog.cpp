@@ -2,6 +2,7 @@
 
 #include "mrvk/frame/data_access.h"
 #include "mrvk/frame/vb.h"
+#include "mrvk/master/master_procedures.h"
 
 namespace mrvk {
 
@@ -56,13 +57,7 @@ std::string EntryDialog::ColumnText(Recordset& rs, const std::string& column) {
 }
 
 void EntryDialog::SetEditable(bool flag) {
-  for (kvhost::Control* c : Controls()) {
-    const std::string& type = c->TypeName();
-    if (type == "TextBox" || type == "kvTxt_S" || type == "ComboBox" || type == "CheckBox")
-      c->Enabled = flag;
-    else if (type == "TreeView" || type == "ListView")
-      c->Enabled = !flag;
-  }
+  mrvk::SetEditable(Controls(), flag);
   Cmd[0].Enabled = flag;
 }
 

@@ -3,6 +3,7 @@
 #include "mrvk/frame/data_access.h"
 #include "mrvk/frame/grid_layout.h"
 #include "mrvk/frame/vb.h"
+#include "mrvk/master/master_procedures.h"
 
 namespace mrvk {
 
@@ -87,13 +88,8 @@ bool ListMasterSheet::FileDelete() {
     if (id <= 0) return false;
     if (MsgBox("是否删除当前行记录", msgbox::kYesNoWarning, "提示:") != msgbox::kYes) return false;
     if (!IsCanDelete(id)) return false;
-    IHostDatabase& db = context_->Database();
-    db.CreateCommand("delete from " + design_.table + " where " + design_.key_column + "=" +
-                         std::to_string(id),
-                     1)
-        ->Execute();
-    const std::string error = db.Error().Description();
-    db.Release();
+    const std::string error =
+        DeleteRow(context_->Database(), design_.table, design_.key_column, id);
     if (!error.empty()) {
       ErrMessage("删除数据时出错：" + error, err_level::kDatabase, Word());
       return false;

@@ -3,6 +3,7 @@
 #include "mrvk/frame/data_access.h"
 #include "mrvk/frame/grid_layout.h"
 #include "mrvk/frame/vb.h"
+#include "mrvk/master/master_procedures.h"
 
 namespace mrvk {
 namespace {
@@ -154,15 +155,7 @@ bool TreeMasterSheet::FileEdit() {
   return true;
 }
 
-void TreeMasterSheet::SetEditable(bool flag) {
-  for (kvhost::Control* c : controls_) {
-    const std::string& type = c->TypeName();
-    if (type == "TextBox" || type == "kvTxt_S" || type == "ComboBox" || type == "CheckBox")
-      c->Enabled = flag;
-    else if (type == "TreeView" || type == "ListView")
-      c->Enabled = !flag;
-  }
-}
+void TreeMasterSheet::SetEditable(bool flag) { mrvk::SetEditable(controls_, flag); }
 
 void TreeMasterSheet::ClearFields() {
   for (auto& [index, field] : kvTxt) {
@@ -287,13 +280,8 @@ bool TreeMasterSheet::FileDelete() {
     const int32_t id = convert_->ToLong(convert_->ToNumber(node->Tag));
     const std::string code = node->Text.substr(0, node->Text.find(' '));
     if (!IsCanDelete(id, code)) return false;
-    IHostDatabase& db = context_->Database();
-    db.CreateCommand("delete from " + design_.table + " where " + design_.key_column + "=" +
-                         std::to_string(id),
-                     1)
-        ->Execute();
-    const std::string error = db.Error().Description();
-    db.Release();
+    const std::string error =
+        DeleteRow(context_->Database(), design_.table, design_.key_column, id);
     if (!error.empty()) {
       ErrMessage("删除数据时出错：" + error, err_level::kDatabase, design_.title);
       return false;

@@ -11,7 +11,7 @@
 #include "kvhost/lib/kv_txt.h"
 #include "mrvk/master/pdm_fykm.h"
 #include "mrvk/master/pdm_yz.h"
-#include "support/engines.h"
+#include "support/sheet_test.h"
 
 namespace mrvk {
 namespace {
@@ -23,27 +23,15 @@ using kvhost::HostEvent;
 constexpr int32_t kOwners = 870004;
 constexpr int32_t kClients = 870005;
 
-class ListMasterSheetTest : public kvtest::EngineTest {
+class ListMasterSheetTest : public kvtest::SheetTest {
  protected:
   void Open(const char* cls, int32_t prog) {
-    screen_ = host().open(cls, prog, 0);
-    ASSERT_NE(screen_, nullptr) << host().last_error();
+    ASSERT_NE(OpenScreen(cls, prog), nullptr);
     sheet_ = dynamic_cast<ListMasterSheet*>(screen_->object.get());
     ASSERT_NE(sheet_, nullptr);
-    host().take_events();
-  }
-  bool Call(const std::string& method, std::vector<Variant> args = {}) {
-    Variant result;
-    kvhost::Status st = host().invoke(*screen_, method, args, result);
-    EXPECT_TRUE(st.ok()) << method << ": " << st.message();
-    return st.ok() && result.AsBool();
   }
   // A click on a data row of the grid (1 is the first).
-  void ClickRow(int row) {
-    kvhost::Status st =
-        host().gesture(*screen_, "Vs", -1, {.kind = "cell_click", .row = row, .col = 1});
-    EXPECT_TRUE(st.ok()) << st.message();
-  }
+  void ClickRow(int row) { Gest("Vs", -1, {.kind = "cell_click", .row = row, .col = 1}); }
   // The texts of the grid's data rows, shown columns from 0 joined by "|".
   std::vector<std::string> Rows() {
     std::vector<std::string> out;
@@ -58,16 +46,7 @@ class ListMasterSheetTest : public kvtest::EngineTest {
     }
     return out;
   }
-  // The ErrMessage reports raised since the last look, "text|level|title".
-  std::vector<std::string> Reports() {
-    std::vector<std::string> out;
-    for (const HostEvent& e : host().take_events()) {
-      if (e.event.name == "ErrMessage")
-        out.push_back(e.event.args[0].ToString() + "|" + e.event.args[1].ToString() + "|" +
-                      e.event.args[2].ToString());
-    }
-    return out;
-  }
+  std::vector<std::string> Reports() { return TakeReports(/*include_messages=*/false); }
 
   // What a clerk does on the next dialog: types into fields, clicks buttons, and records
   // what the dialog showed when it opened.
@@ -114,7 +93,6 @@ class ListMasterSheetTest : public kvtest::EngineTest {
          ",'" + code + "','" + name + "','男'," + std::to_string(type) + ")");
   }
 
-  kvhost::Screen* screen_ = nullptr;
   ListMasterSheet* sheet_ = nullptr;
 };
 

@@ -7,7 +7,7 @@
 
 #include "kvhost/lib/kv_txt.h"
 #include "kvhost/lib/tree_view_control.h"
-#include "support/engines.h"
+#include "support/sheet_test.h"
 
 namespace mrvk {
 namespace {
@@ -15,25 +15,12 @@ namespace {
 using kvhost::Gesture;
 using kvhost::HostEvent;
 
-class TreeMasterSheetTest : public kvtest::EngineTest {
+class TreeMasterSheetTest : public kvtest::SheetTest {
  protected:
   void Open(const char* cls = "PDMLy", int32_t prog = 870001) {
-    screen_ = host().open(cls, prog, 0);
-    ASSERT_NE(screen_, nullptr) << host().last_error();
+    ASSERT_NE(OpenScreen(cls, prog), nullptr);
     sheet_ = dynamic_cast<TreeMasterSheet*>(screen_->object.get());
     ASSERT_NE(sheet_, nullptr);
-    host().take_events();
-  }
-  // An interface operation; its boolean result.
-  bool Call(const std::string& method, std::vector<Variant> args = {}) {
-    Variant result;
-    kvhost::Status st = host().invoke(*screen_, method, args, result);
-    EXPECT_TRUE(st.ok()) << method << ": " << st.message();
-    return result.AsBool();
-  }
-  void Gest(const std::string& control, int index, Gesture g) {
-    kvhost::Status st = host().gesture(*screen_, control, index, g);
-    EXPECT_TRUE(st.ok()) << control << "(" << index << ") " << g.kind << ": " << st.message();
   }
   // Types into a field and leaves it, as a clerk does.
   void Type(int index, const std::string& text) {
@@ -56,17 +43,7 @@ class TreeMasterSheetTest : public kvtest::EngineTest {
     return n ? n->Text : "";
   }
   // The ErrMessage and Message texts raised since the last look, "text|level|title".
-  std::vector<std::string> Reports() {
-    std::vector<std::string> out;
-    for (const HostEvent& e : host().take_events()) {
-      if (e.event.name == "ErrMessage")
-        out.push_back(e.event.args[0].ToString() + "|" + e.event.args[1].ToString() + "|" +
-                      e.event.args[2].ToString());
-      else if (e.event.name == "Message")
-        out.push_back(e.event.args[0].ToString());
-    }
-    return out;
-  }
+  std::vector<std::string> Reports() { return TakeReports(/*include_messages=*/true); }
   void AddBuilding(int id, const std::string& code, const std::string& name, int estate = 0) {
     Exec("insert into fwly (楼宇ID,楼宇编号,楼宇名称,物业ID) values (" + std::to_string(id) + ",'" +
          code + "','" + name + "'," + std::to_string(estate) + ")");
@@ -79,7 +56,6 @@ class TreeMasterSheetTest : public kvtest::EngineTest {
     return Call("FileSave");
   }
 
-  kvhost::Screen* screen_ = nullptr;
   TreeMasterSheet* sheet_ = nullptr;
 };
 
