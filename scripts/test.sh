@@ -36,8 +36,20 @@ command -v node >/dev/null 2>&1 || e2e_missing="${e2e_missing:+$e2e_missing, }no
   e2e_missing="${e2e_missing:+$e2e_missing, }tests/e2e/node_modules (npm ci)"
 if [ -z "$e2e_missing" ]; then
   build_abs=$(cd "$build" && pwd)
+  e2e_log=$(mktemp)
+  e2e_status=0
   (cd tests/e2e && MRVK_BIN="$build_abs/mrvk" MRVK_E2E_ARTIFACTS="$build_abs/e2e-artifacts" \
-     node --test --test-concurrency=1 .)
+     node --test --test-concurrency=1 .) 2>&1 | tee "$e2e_log" || e2e_status=$?
+  # node --test passes when it finds no test file: a run must show tests that ran (the
+  # summary's "tests" less "skipped", in the TAP "# " or the spec "ℹ " form).
+  summary() { sed -nE "s/^(# |ℹ )$1 ([0-9]+)\$/\\2/p" "$e2e_log" | tail -n 1; }
+  e2e_ran=$(( $(summary tests || true)+0 - $(summary skipped || true)+0 ))
+  rm -f "$e2e_log"
+  [ "$e2e_status" -eq 0 ] || exit "$e2e_status"
+  if [ "$e2e_ran" -le 0 ]; then
+    echo "the browser tests ran no test" >&2
+    exit 1
+  fi
 elif [ -n "${MRVK_REQUIRE_E2E:-}" ]; then
   echo "MRVK_REQUIRE_E2E is set and the browser tests cannot run: missing $e2e_missing" >&2
   exit 1

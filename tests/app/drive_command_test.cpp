@@ -37,36 +37,6 @@ TEST_P(DriveCommandTest, InitDbThenDriveAnswersTheOwnersEntry) {
   EXPECT_EQ(got[2]["ok"], false);
 }
 
-// A field's picker through `mrvk drive`: the list waits as pending, a row index answers it.
-TEST_P(DriveCommandTest, APickedEstateIsChosenByItsRowIndex) {
-  Exec("insert into fwwy (物业ID,物业编号,物业名称) values (7,'W1','阳光花园')");
-  std::string script;
-  for (const json& req :
-       {json{{"op", "session"}, {"database", url()}},
-        json{{"op", "open"}, {"class", "PDMLy"}, {"progID", 870001}, {"record", 0}},
-        json{{"op", "call"}, {"screen", 1}, {"method", "FileNew"}},
-        json{{"op", "gesture"},
-             {"screen", 1},
-             {"control", "kvTxt"},
-             {"index", 2},
-             {"gesture", "pick"}},
-        json{{"op", "answer"}, {"value", json::array({0})}}})
-    script += req.dump() + "\n";
-  std::istringstream in(script);
-  std::ostringstream answers, err;
-  ASSERT_EQ(mrvk_app::RunDrive({}, in, answers, err), 0) << err.str();
-  std::istringstream lines(answers.str());
-  std::string line;
-  std::vector<json> got;
-  while (std::getline(lines, line)) got.push_back(json::parse(line));
-  ASSERT_EQ(got.size(), 5u) << answers.str();
-  ASSERT_EQ(got[1]["result"], 1) << got[1].dump();
-  EXPECT_EQ(got[3]["pending"]["kind"], "picker") << got[3].dump();
-  EXPECT_EQ(got[3]["pending"]["dialog"]["rows"][0]["cells"], json::array({"W1", "阳光花园"}));
-  EXPECT_TRUE(got[4]["ok"].get<bool>()) << got[4].dump();
-  EXPECT_FALSE(got[4].contains("pending"));
-}
-
 MRVK_ON_BOTH_ENGINES(DriveCommandTest);
 
 TEST(InitDbCommand, RejectsUnknownArgumentsAndBadUrls) {

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -45,29 +44,6 @@ TEST(ScheduleCommand, JsonIsOneArrayOfPeriodsWithKeysInOrder) {
       R"([{"起始日期":"2012-03-15","结束日期":"2012-08-14","收款日期":"2012-08-14","是否最后一期":0},)"
       R"({"起始日期":"2012-08-15","结束日期":"2013-01-14","收款日期":"2013-01-14","是否最后一期":1}])"
       "\n");
-}
-
-TEST(ScheduleCommand, MonthsAndPeriodAreRoundedHalfToEven) {
-  struct Case {
-    const char* months;
-    const char* period;
-    size_t rows;
-  } cases[] = {{"2.5", "1", 2}, {"3.5", "1", 4}, {"10", "2.5", 5}, {"10", "3.5", 3}};
-  for (const Case& c : cases) {
-    const Outcome r = Schedule({"--start", "2012-03-15", "--end", "2013-01-14", "--months",
-                                c.months, "--period", c.period, "--json"});
-    ASSERT_EQ(r.code, 0) << r.err;
-    EXPECT_EQ(nlohmann::json::parse(r.out).size(), c.rows) << c.months << " / " << c.period;
-  }
-}
-
-TEST(ScheduleCommand, TermWithoutScheduleIsAnEmptyArray) {
-  for (const char* period : {"0", "-2", "-0.4", "0.0"}) {
-    const Outcome r = Schedule(With(kTenMonths, {"--period", period, "--json"}));
-    EXPECT_EQ(r.code, 0) << period << ": " << r.err;
-    EXPECT_EQ(r.out, "[]\n") << period;
-    EXPECT_EQ(r.err, "") << period;
-  }
 }
 
 TEST(ScheduleCommand, TableShowsOneLinePerPeriodUnderTheHeader) {
@@ -112,43 +88,27 @@ TEST(ScheduleCommand, HelpGoesToStdout) {
   }
 }
 
+// One row per way of refusing the input; the message is one line on stderr, stdout is empty.
 TEST(ScheduleCommand, BadInputIsExitTwoWithOneLineAndNothingOnStdout) {
   const std::vector<std::string> full = With(kTenMonths, {"--period", "3"});
   struct Case {
     std::vector<std::string> args;
-    const char* names;  // a word the message must contain
+    std::string message;
   } cases[] = {
-      {{}, "--start"},
-      {{"--end", "2013-01-14", "--months", "10", "--period", "3"}, "--start"},
-      {{"--start", "2012-03-15", "--months", "10", "--period", "3"}, "--end"},
-      {{"--start", "2012-03-15", "--end", "2013-01-14", "--period", "3"}, "--months"},
-      {kTenMonths, "--period"},
-      {With(full, {"--start", "2012-03-16"}), "twice"},
-      {With(full, {"--json", "--json"}), "twice"},
+      {{}, "--start is missing"},
+      {With(full, {"--start", "2012-03-16"}), "--start given twice"},
+      {With(full, {"--json", "--json"}), "--json given twice"},
       {{"--start", "2013-02-29", "--end", "2013-03-14", "--months", "1", "--period", "1"},
-       "2013-02-29"},
-      {{"--start", "2012-13-01", "--end", "2013-03-14", "--months", "1", "--period", "1"},
-       "2012-13-01"},
-      {{"--start", "tomorrow", "--end", "2013-03-14", "--months", "1", "--period", "1"},
-       "tomorrow"},
-      {{"--start", "2012-03-15", "--end", "", "--months", "1", "--period", "1"}, "--end"},
-      {With(kTenMonths, {"--period", "abc"}), "abc"},
-      {With(kTenMonths, {"--period", "3months"}), "3months"},
-      {With(kTenMonths, {"--period", ""}), "--period"},
-      {With(kTenMonths, {"--period", "nan"}), "nan"},
-      {With(kTenMonths, {"--period", "inf"}), "inf"},
-      {With(kTenMonths, {"--period", "+-3"}), "+-3"},
-      {{"--start", "2012-03-15", "--end", "2013-01-14", "--months", "1.2.3", "--period", "3"},
-       "1.2.3"},
-      {With(kTenMonths, {"--period"}), "needs a value"},
-      {With(full, {"--frobnicate"}), "--frobnicate"},
-      {With(full, {"extra"}), "extra"},
-      {With(kTenMonths, {"--period", "0.4"}), "0.4"},
-      {With(kTenMonths, {"--period", "0.5"}), "rounds to 0"},
+       "--start \"2013-02-29\" is not a date (yyyy-mm-dd)"},
+      {With(kTenMonths, {"--period", "abc"}), "--period \"abc\" is not a number"},
+      {With(kTenMonths, {"--period", "+-3"}), "--period \"+-3\" is not a number"},
+      {With(kTenMonths, {"--period"}), "--period needs a value"},
+      {With(full, {"extra"}), "unknown argument \"extra\" (see mrvk schedule --help)"},
+      {With(kTenMonths, {"--period", "0.5"}), "--period 0.5 rounds to 0 months: Division by zero"},
       {{"--start", "2012-03-15", "--end", "2013-01-14", "--months", "1e12", "--period", "1"},
-       "Overflow"},
+       "--months or --period is too large: Overflow"},
       {{"--start", "9990-01-01", "--end", "9999-12-31", "--months", "240", "--period", "12"},
-       "9999-12-31"},
+       "the periods run past 9999-12-31: Invalid procedure call or argument"},
   };
   for (const Case& c : cases) {
     std::string shown;
@@ -156,9 +116,7 @@ TEST(ScheduleCommand, BadInputIsExitTwoWithOneLineAndNothingOnStdout) {
     const Outcome r = Schedule(c.args);
     EXPECT_EQ(r.code, 2) << shown;
     EXPECT_EQ(r.out, "") << shown;
-    ASSERT_FALSE(r.err.empty()) << shown;
-    EXPECT_EQ(r.err.find('\n'), r.err.size() - 1) << shown << ": " << r.err;
-    EXPECT_NE(r.err.find(c.names), std::string::npos) << shown << ": " << r.err;
+    EXPECT_EQ(r.err, "mrvk schedule: " + c.message + "\n") << shown;
   }
 }
 

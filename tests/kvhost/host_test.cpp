@@ -131,15 +131,6 @@ TEST_P(HostTest, ReleasingTheLastNumberGivesItBack) {
   EXPECT_EQ(next, b);
 }
 
-TEST_P(HostTest, OptionsAndEnvironmentReachTheModule) {
-  host().options()["befmonth"] = "3";
-  HostContext& ctx = host().context();
-  EXPECT_EQ(ctx.GetOption(mrvk::Variant("befmonth")).Value, "3");
-  EXPECT_EQ(ctx.GetOption(mrvk::Variant("missing")).Value, "");
-  EXPECT_EQ(ctx.Environment().UserName(), "张三");
-  EXPECT_EQ(ctx.Environment().LoginDate().ToText(), "2012-10-11");
-}
-
 TEST(HostConfig, RejectsABadLoginDateAndABadDatabase) {
   Host bad_date({.database = "sqlite://", .login_date = "2012-02-30"});
   EXPECT_FALSE(bad_date.status().ok());

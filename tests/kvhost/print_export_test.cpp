@@ -74,9 +74,8 @@ std::map<std::string, std::string> Unzip(const std::string& zip) {
   return out;
 }
 
-// A sheet with a list grid, a detail grid with a masked column and two fields: PrintPreview
-// hands the list to a print job, DoPrint writes the print data file of the fields and the
-// detail grid.
+// A sheet with a list grid, a detail grid with a masked column and two fields: DoPrint writes
+// the print data file of the fields and the detail grid.
 class GridPrintProbe : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk::IDesignUI {
  public:
   GridPrintProbe() {
@@ -124,15 +123,6 @@ class GridPrintProbe : public mrvk::ModuleObject, public mrvk::IFormUI, public m
     kvGrid.TextMatrix(1, 2) = "1500";
     return true;
   }
-  bool PrintPreview() override {
-    std::string error;
-    if (!mrvk::PrintGrid(*ctx_, mrvk::ReportPrintSettings(*ctx_, prog_), "合同清单", "片区：北区",
-                         Vs, /*direct=*/false, /*setup=*/false, "", error)) {
-      ErrMessage("GridPrintProbe->Print:" + error, mrvk::err_level::kDatabase, "");
-      return false;
-    }
-    return true;
-  }
   bool DoPrint() override {
     print_file_ = mrvk::PrintDataFile(*ctx_, prog_);
     mrvk::WritePrintDataFile(print_file_, controls_, {}, &kvGrid);
@@ -157,6 +147,7 @@ class GridPrintProbe : public mrvk::ModuleObject, public mrvk::IFormUI, public m
   bool Check() override { return false; }
   bool UnCheck() override { return false; }
   bool PrintSetup() override { return false; }
+  bool PrintPreview() override { return false; }
   bool Help() override { return false; }
   bool DoSetStatus(const std::string&, bool) override { return false; }
   int32_t GetID() override { return 0; }
@@ -209,8 +200,10 @@ class PrintExportTest : public ::testing::Test {
   int screen = 0;
 };
 
+// A screen that does not print itself has its grid printed by the host (print_grid).
 TEST_F(PrintExportTest, AGridPrintComesWithTheAnswerAsAPage) {
-  json a = Call("PrintPreview");
+  json a = driver.Handle(
+      {{"op", "print_grid"}, {"screen", screen}, {"control", "Vs"}, {"title", "合同清单"}});
   ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
   ASSERT_EQ(a["documents"].size(), 1u) << a.dump();
   EXPECT_EQ(a["documents"][0]["title"], "合同清单");
@@ -219,8 +212,12 @@ TEST_F(PrintExportTest, AGridPrintComesWithTheAnswerAsAPage) {
   EXPECT_NE(html.find("<h1>合同清单</h1>"), std::string::npos);
   EXPECT_NE(html.find("<td class=\"r\">1,200.50</td>"), std::string::npos);
   EXPECT_NE(html.find("<tr class=\"total\">"), std::string::npos);
-  // The next answer carries no page again.
+  EXPECT_EQ(html.find("<th>ID</th>"), std::string::npos);  // the hidden column stays out
+  // The next answer carries no page again; a refused print makes none.
   a = driver.Handle({{"op", "state"}, {"screen", screen}});
+  EXPECT_FALSE(a.contains("documents"));
+  a = driver.Handle({{"op", "print_grid"}, {"screen", screen}, {"control", "Nope"}});
+  EXPECT_EQ(a["error"], "GridPrintProbe has no control Nope");
   EXPECT_FALSE(a.contains("documents"));
 }
 

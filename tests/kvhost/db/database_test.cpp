@@ -36,10 +36,6 @@ TEST_P(DatabaseTest, DriverPropertySelectsTheDialect) {
   EXPECT_EQ(mrvk::DateLiteral(db(), " 2012-10-11 "), is_pg() ? "'2012-10-11'" : "#2012-10-11#");
 }
 
-TEST_P(DatabaseTest, SeededMenuAnswersTheOwnersEntry) {
-  EXPECT_EQ(Scalar("select top 1 menuname from xt_menu where progID=870004"), "业主信息");
-}
-
 TEST_P(DatabaseTest, ScalarReadWithNoRowGivesEmptyTextAndZero) {
   auto cmd = db().CreateCommand("select 业主名称 from fwyz where 业主ID=-1", 1);
   mrvk::Variant v = cmd->ExecuteScalar();
@@ -183,20 +179,6 @@ TEST_P(DatabaseTest, ErrorTextStaysUntilTheNextStep) {
   EXPECT_EQ(db().Error().Description(), first);
   Scalar("select count(*) from fwyz");
   EXPECT_EQ(db().Error().Description(), "");
-}
-
-TEST_P(DatabaseTest, NewIdFailureLeavesNoRowAndNoOpenTransaction) {
-  BillData bill;
-  bill.Database(&db());
-  db().BeginTrans();
-  int32_t id = 77;
-  const std::string why = bill.NewID("nosuchtable", "ID", id);
-  EXPECT_NE(why, "");
-  EXPECT_EQ(id, 77);
-  // The sheet's handler rolls back when it finds the bracket still open.
-  if (db().InTransaction()) db().RollbackTrans();
-  EXPECT_FALSE(db().InTransaction());
-  EXPECT_EQ(Scalar("select count(*) from fwyz"), "0");
 }
 
 TEST_P(DatabaseTest, NewIdGivesIncreasingUnusedKeys) {

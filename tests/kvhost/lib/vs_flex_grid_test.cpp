@@ -137,16 +137,6 @@ TEST(VsFlexGridSubtotal, OneGroupColumnWithItsGrandTotal) {
   EXPECT_EQ(grid.Cell(cell_property::kForeColor, 7, 1).ToLong(), kNoColor);
 }
 
-TEST(VsFlexGridSubtotal, MoreTotalColumnsShareTheGroupRow) {
-  VsFlexGrid grid("Vs");
-  FillRentGrid(grid);
-  for (int total : {3, 4}) grid.Subtotal(subtotal::kSum, Args(/*group_on=*/1, total, "小计%s"));
-  ASSERT_EQ(grid.Rows(), 7);
-  EXPECT_EQ(grid.TextMatrix(4, 3), "3000.5");
-  EXPECT_EQ(grid.TextMatrix(4, 4), "800");
-  EXPECT_EQ(grid.TextMatrix(6, 4), "0");  // a group of empty cells sums to 0
-}
-
 TEST(VsFlexGridSubtotal, NestedGroupsCloseInsideOut) {
   VsFlexGrid grid("Vs");
   FillRentGrid(grid);

@@ -183,9 +183,10 @@ TEST(PlanFeeTerm, PeriodsTileEveryLease) {
   const int32_t periods_list[] = {1, 2, 3, 5, 6, 12, 13};
   const Date first = D("2012-01-01");
   for (int32_t day = 0; day < 366; ++day) {
-    const Date start = AddDays(first, day);
+    const Date start = Date::FromSerial(first.serial() + day);
     for (int32_t months : months_list) {
-      const Date end = AddDays(AddMonths(start, months), -1);
+      // Any end past the last period's start: only the last period ends on it.
+      const Date end = Date::FromSerial(start.serial() + 31 * months - 1);
       for (int32_t period : periods_list) {
         for (bool advance : {true, false}) {
           const auto ps = PlanFeeTerm(start, end, months, period, advance);
@@ -206,7 +207,7 @@ TEST(PlanFeeTerm, PeriodsTileEveryLease) {
               EXPECT_EQ(p.due, ps[i - 1].end) << ctx;
             if (i + 1 < ps.size()) {
               const Date next = ps[i + 1].start;
-              EXPECT_EQ(next, AddDays(p.end, 1)) << ctx;
+              EXPECT_EQ(next.serial(), p.end.serial() + 1) << ctx;
               EXPECT_EQ((next.year() - p.start.year()) * 12 + next.month() - p.start.month(),
                         period)
                   << ctx;

@@ -257,25 +257,6 @@ TEST_F(GridLayoutTest, TotalsWithoutGroupsGiveOnlyTheGrandTotalInTheCaptionColum
   EXPECT_EQ(grid.TextMatrix(4, 3), "3150.5");
 }
 
-TEST_F(GridLayoutTest, TwoGroupColumnsEmptyTheCellsLeftOfTheirGroup) {
-  Write("VsIsGroupOn", "VsCol1", "1");
-  Write("VsIsGroupOn", "VsCol2", "1");
-  Write("VsIsTotalOn", "VsCol3", "1");
-  VsFlexGrid grid("Vs");
-  Fill(grid);
-  LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
-  // Per building a subtotal, per area one, then the grand total.
-  std::vector<std::string> captions;
-  for (int r = 1; r < grid.Rows(); ++r) {
-    if (grid.IsSubtotal(r))
-      captions.push_back(grid.TextMatrix(r, 1) + "|" + grid.TextMatrix(r, 2) + "|" +
-                         grid.TextMatrix(r, 3));
-  }
-  EXPECT_EQ(captions,
-            (std::vector<std::string>{"|小计A栋|1000", "|小计B栋|1200.5", "小计北区||2200.5",
-                                      "|小计C栋|950", "小计南区||950", "合计||3150.5"}));
-}
-
 TEST_F(GridLayoutTest, AnEmptyGridGetsNoTotalAndKeepsItsHeader) {
   Write("Vs", "VsTotalSave", "1");
   Write("VsIsSort", "VsCol1", "2");

@@ -178,16 +178,6 @@ TEST_F(TreeViewTest, DeleteSelectsTheNextSiblingOrLeavesNoSelection) {
   EXPECT_TRUE(tree.NodeDelete(Node("K01"), /*ask=*/false));
   EXPECT_EQ(SelectedKey(), "ROOT");
   EXPECT_EQ(events, "");
-
-  // Asking: only yes deletes.
-  Row("04", "四", 4);
-  ui.answers = {msgbox::kNo, msgbox::kYes};
-  EXPECT_FALSE(tree.NodeDelete(Node("K04"), /*ask=*/true));
-  EXPECT_NE(Node("K04"), nullptr);
-  EXPECT_TRUE(tree.NodeDelete(Node("K04"), /*ask=*/true));
-  EXPECT_EQ(Node("K04"), nullptr);
-  EXPECT_EQ(ui.shown[0].prompt, "是否删除当前记录:04 四");
-  EXPECT_EQ(ui.shown[0].flags, msgbox::kYesNoWarning);
 }
 
 TEST_F(TreeViewTest, DeleteWithTheSelectionInAnotherBranchMovesItToThatBranchsChild) {
