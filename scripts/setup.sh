@@ -6,7 +6,9 @@ packages=(build-essential cmake pkg-config ccache clang-format libsqlite3-dev li
           zlib1g-dev
           # the web client: HTTP server, password hashing; its browser tests (chromium, node,
           # a font with Chinese glyphs for the screenshots)
-          libcpp-httplib-dev libssl-dev chromium nodejs fonts-wqy-zenhei)
+          libcpp-httplib-dev libssl-dev chromium nodejs fonts-wqy-zenhei
+          # the export test reads its workbooks back with a spreadsheet program
+          libreoffice-calc-nogui)
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")

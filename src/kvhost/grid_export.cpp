@@ -5,7 +5,10 @@
 #include <fstream>
 #include <map>
 #include <memory>
+#include <optional>
+#include <string_view>
 #include <tuple>
+#include <vector>
 
 #include "kvhost/lib/display_format.h"
 #include "mrvk/frame/vb.h"
@@ -69,6 +72,52 @@ std::string SheetNumberFormat(const std::string& format) {
   return format.find_first_of("0#") == std::string::npos ? "" : format;
 }
 
+// How a column's cells are written, by the type of its data (GridControl::ColValueType): a
+// column of no known type holds numbers when it shows them with a number format, else texts.
+enum class ColumnKind { Text, Number, Date };
+
+ColumnKind KindOf(const GridControl& grid, int col) {
+  switch (grid.ColValueType(col)) {
+    case grid_type::kInteger:
+    case grid_type::kLong:
+    case grid_type::kSingle:
+    case grid_type::kDouble:
+    case grid_type::kCurrency:
+      return ColumnKind::Number;
+    case grid_type::kDate:
+      return ColumnKind::Date;
+    case grid_type::kEmpty:
+      return SheetNumberFormat(grid.ColFormat(col)).empty() ? ColumnKind::Text : ColumnKind::Number;
+    default:
+      return ColumnKind::Text;
+  }
+}
+
+// A data cell of a number column that holds a plain number and shows it (not masked).
+bool IsNumberCell(const GridControl& grid, int row, int col, ColumnKind kind) {
+  return kind == ColumnKind::Number && row >= grid.FixedRows() &&
+         grid.ShownText(row, col) == grid.DisplayText(row, col) &&
+         IsPlainNumber(grid.TextMatrix(row, col));
+}
+
+// The date of a data cell of a date column that holds a date without a time and shows it.
+std::optional<mrvk::Date> DateCell(const GridControl& grid, int row, int col, ColumnKind kind) {
+  const std::string& stored = grid.TextMatrix(row, col);
+  if (kind != ColumnKind::Date || row < grid.FixedRows() ||
+      grid.ShownText(row, col) != grid.DisplayText(row, col) ||
+      stored.find_first_of(" T") != std::string::npos)
+    return std::nullopt;
+  return mrvk::ParseDate(stored);
+}
+
+// A text that a spreadsheet would take for a formula ("=", "+", "-", "@", or a tab or
+// carriage return before one) gets a leading quote, so it opens as the text it is.
+std::string CsvText(const std::string& text) {
+  if (!text.empty() && std::string_view("=+-@\t\r").find(text[0]) != std::string_view::npos)
+    return "'" + text;
+  return text;
+}
+
 std::string CsvField(const std::string& text) {
   if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
   std::string out = "\"";
@@ -99,6 +148,8 @@ bool ExportGridXlsx(const GridControl& grid, const std::string& path, const std:
     return false;
   }
   Formats formats(workbook.get());
+  std::vector<ColumnKind> kinds;
+  for (int c = 0; c < grid.Cols(); ++c) kinds.push_back(KindOf(grid, c));
   for (int c = 0; c < grid.Cols(); ++c) {
     lxw_row_col_options options{};
     options.hidden = grid.IsColumnShown(c) ? 0 : 1;
@@ -119,11 +170,14 @@ bool ExportGridXlsx(const GridControl& grid, const std::string& path, const std:
                         (grid.SubtotalGroup(r) == -1 && c >= grid.FixedCols() && back != kNoColor);
       const auto col = static_cast<lxw_col_t>(c);
       lxw_error written = LXW_NO_ERROR;
-      const bool number = !header && shown == grid.DisplayText(r, c) && IsPlainNumber(stored) &&
-                          grid.ColDataType(c) != grid_type::kString;
-      if (number) {
+      const ColumnKind kind = kinds[static_cast<size_t>(c)];
+      if (IsNumberCell(grid, r, c, kind)) {
         lxw_format* format = formats.Get(SheetNumberFormat(grid.ColFormat(c)), bold, back, fore);
         written = worksheet_write_number(sheet, out_row, col, mrvk::Val(stored), format);
+      } else if (auto date = DateCell(grid, r, c, kind)) {
+        lxw_datetime when{date->year(), date->month(), date->day(), 0, 0, 0};
+        written = worksheet_write_datetime(sheet, out_row, col, &when,
+                                           formats.Get("yyyy-mm-dd", bold, back, fore));
       } else if (!shown.empty() || back != kNoColor) {
         written = worksheet_write_string(sheet, out_row, col, shown.c_str(),
                                          formats.Get("", bold, back, fore));
@@ -147,6 +201,8 @@ bool ExportGridXlsx(const GridControl& grid, const std::string& path, const std:
 
 bool ExportGridCsv(const GridControl& grid, const std::string& path, std::string& error) {
   std::string text = "\xEF\xBB\xBF";
+  std::vector<ColumnKind> kinds;
+  for (int c = 0; c < grid.Cols(); ++c) kinds.push_back(KindOf(grid, c));
   for (int r = 0; r < grid.Rows(); ++r) {
     if (grid.RowHeight(r) == 0) continue;
     bool first = true;
@@ -154,12 +210,11 @@ bool ExportGridCsv(const GridControl& grid, const std::string& path, std::string
       if (!grid.IsColumnShown(c)) continue;
       if (!first) text += ',';
       first = false;
-      const std::string& stored = grid.TextMatrix(r, c);
-      const std::string shown = grid.ShownText(r, c);
       // A number goes as stored; its display format would make it a text ("1,200.50").
-      const bool number = r >= grid.FixedRows() && shown == grid.DisplayText(r, c) &&
-                          IsPlainNumber(stored) && grid.ColDataType(c) != grid_type::kString;
-      text += CsvField(number ? stored : shown);
+      // Everything else is a text as shown, never a formula.
+      text += CsvField(IsNumberCell(grid, r, c, kinds[static_cast<size_t>(c)])
+                           ? grid.TextMatrix(r, c)
+                           : CsvText(grid.ShownText(r, c)));
     }
     text += "\r\n";
   }

@@ -2,17 +2,23 @@
 // the fixed rows as the header, the data and subtotal rows with their displayed captions,
 // filtered-out rows (height 0) left out.
 //
+// A column is written by the type of its data (GridControl::ColValueType): a number column's
+// plain numbers (display_format.h) as numbers, a date column's dates as dates, everything
+// else as text, so an ID number, a phone number or a code with leading zeros keeps every
+// digit. A column of no known type holds numbers when it shows them with a number format.
+//
 // XLSX: every column is written; hidden columns (hidden or width 0) stay hidden in the sheet.
-// A cell whose text is a plain number (display_format.h: no leading zeros, so codes stay
-// texts) in a column that is not of the string type is written as a number, with the
-// column's display format as its number format; header cells are bold, subtotal and total
-// rows keep their colours and the header rows are frozen. Widths follow the grid's (100
-// grid units to a character). A grid of more than 20,000 rows is written row by row with its
-// texts inline, so an export never holds a second copy of a large grid in memory.
+// Numbers take the column's display format as their number format, dates "yyyy-mm-dd";
+// header cells are bold, subtotal and total rows keep their colours and the header rows are
+// frozen. Widths follow the grid's (100 grid units to a character). A grid of more than
+// 20,000 rows is written row by row with its texts inline, so an export never holds a second
+// copy of a large grid in memory.
 //
 // CSV: UTF-8 with a byte order mark, "," between fields, CRLF line ends, quotes where a field
 // needs them; hidden columns are left out; numbers are written as they are stored (no
-// thousands separators), so a spreadsheet reads them as numbers; masked cells print "***".
+// thousands separators), so a spreadsheet reads them as numbers; a text that a spreadsheet
+// would take for a formula (it begins with "=", "+", "-", "@", a tab or a carriage return)
+// gets a leading "'"; masked cells print "***".
 #pragma once
 
 #include <string>

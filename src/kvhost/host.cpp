@@ -356,10 +356,15 @@ Status Host::gesture(ControlList& controls, const std::string& owner, const std:
   if (!c)
     return Status::Error(owner + " has no control \"" + name +
                          (index >= 0 ? "(" + std::to_string(index) + ")" : std::string()) + "\"");
+  // The control takes the focus before its events run, as a click or a key does, so a
+  // handler that moves the focus elsewhere (a check sending the person to an empty field)
+  // has the last word; a refused gesture leaves the focus where it was.
+  Control* had_focus = controls.Focused();
   std::string refused;
   Status st = guarded(owner + "." + c->DisplayName() + "." + g.kind, [&] {
+    controls.SetFocus(c);
     refused = c->Apply(g);
-    if (refused.empty()) controls.SetFocus(c);
+    if (!refused.empty()) controls.SetFocus(had_focus);
   });
   if (!st.ok()) return st;
   if (!refused.empty()) return Status::Error(refused);

@@ -1,5 +1,5 @@
-// The owners' list in a real browser: the entry dialog's form (new, a refused duplicate,
-// Esc), editing by a double click on a row, the grid export downloaded as CSV, and delete
+// The owners' list in a real browser: the entry dialog's form (new, a refused missing name
+// and duplicate, Esc), editing by a double click on a row, the grid export downloaded as CSV, and delete
 // with its question; screenshots of each step.
 import { after, before, test } from 'node:test';
 import assert from 'node:assert/strict';
@@ -89,14 +89,23 @@ test('owners: a new owner through the entry dialog', async () => {
   assert.match(row, /Y01\s*张三\s*女\s*13800000000/);
 });
 
-test('owners: a taken code is refused with an alert; Esc closes the dialog', async () => {
+test('owners: a missing name and a taken code are refused with an alert; Esc closes the dialog', async () => {
   await idle();
   await tool('FileNew').click();
   await dialog().waitFor();
   await typeIn(0, 'Y01');
-  await typeIn(1, '李四');
+  // Saving without a name: after the alert the focus is in the name, where the check put it.
   await dialog().locator('button:text("保存(S)")').click();
   const alert = page.locator('.layer.alert');
+  await alert.waitFor();
+  assert.equal(await alert.locator('.text').textContent(), '没有具体的姓名,请录入!');
+  await alert.locator('button:text("确定")').click();
+  await alert.waitFor({ state: 'detached' });
+  await settled();
+  await page.waitForFunction(() => document.activeElement?.closest('[data-control]')
+    ?.dataset.control === 'kvTxt(1)');
+  await typeIn(1, '李四');
+  await dialog().locator('button:text("保存(S)")').click();
   await alert.waitFor();
   assert.equal(await alert.locator('.text').textContent(), '编号重复,请检查!');
   assert.equal(await alert.locator('.title span').textContent(), '提示：');

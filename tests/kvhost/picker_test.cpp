@@ -146,13 +146,20 @@ TEST_P(PickerTest, AFieldsListOffersTheTableByCodeAndAChoiceFillsTextAndValue) {
   EXPECT_EQ(offered, (std::vector<std::string>{"W01|O'Hara 公寓", "W02|东方花园"}));
   EXPECT_EQ(field.Text, "O'Hara 公寓");
 
-  // Cancelling leaves the field as it was.
+  // Cancelling leaves the field as it was, also a typed text that is still to be checked.
   Gest(field, {"type", "W02"});
   Gest(field, {"leave"});
   host().ui().dialogs.push_back(ScriptedUi::CancelPicker());
   Gest(field, {"pick"});
   EXPECT_EQ(field.Text, "东方花园");
   EXPECT_EQ(field.Value.ToDouble(), 7);
+  Gest(field, {"type", "B03"});
+  host().ui().dialogs.push_back(ScriptedUi::CancelPicker());
+  Gest(field, {"pick"});
+  EXPECT_EQ(field.Text, "B03");
+  Gest(field, {"leave"});
+  EXPECT_EQ(field.Text, "百花苑");
+  EXPECT_EQ(field.Value.ToDouble(), 9);
 }
 
 TEST_P(PickerTest, TheStatementPickerChecksByItsConditionAndListsInOrder) {

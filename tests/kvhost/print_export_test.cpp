@@ -5,11 +5,13 @@
 #include <unistd.h>
 #include <zlib.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <sstream>
+#include <vector>
 
 #include "kvhost/grid_export.h"
 #include "kvhost/lib/control_list.h"
@@ -74,6 +76,53 @@ std::map<std::string, std::string> Unzip(const std::string& zip) {
   return out;
 }
 
+// The cells of a CSV text by row: "," between fields, quoted fields with doubled quotes,
+// CRLF or LF between rows.
+std::vector<std::vector<std::string>> CsvCells(const std::string& text) {
+  std::vector<std::vector<std::string>> rows(1);
+  std::string cell;
+  bool quoted = false;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char ch = text[i];
+    if (quoted) {
+      if (ch == '"' && i + 1 < text.size() && text[i + 1] == '"') {
+        cell += '"';
+        ++i;
+      } else if (ch == '"') {
+        quoted = false;
+      } else {
+        cell += ch;
+      }
+    } else if (ch == '"') {
+      quoted = true;
+    } else if (ch == ',' || ch == '\n') {
+      rows.back().push_back(cell);
+      cell.clear();
+      if (ch == '\n') rows.emplace_back();
+    } else if (ch != '\r') {
+      cell += ch;
+    }
+  }
+  if (rows.back().empty()) rows.pop_back();
+  return rows;
+}
+
+// A workbook as LibreOffice reads it: the CSV of what its cells show, converted by LibreOffice
+// headless in `work`. Empty with the reason in `missing` when LibreOffice is not installed.
+std::string ReadBackWithLibreOffice(const fs::path& xlsx, const fs::path& work,
+                                    std::string& missing) {
+  if (std::system("command -v soffice >/dev/null 2>&1") != 0) {
+    missing = "LibreOffice (soffice) is not installed";
+    return "";
+  }
+  const std::string command =
+      "soffice -env:UserInstallation=file://" + (work / "profile").string() +
+      " --headless --convert-to 'csv:Text - txt - csv (StarCalc):44,34,76,1' --outdir '" +
+      (work / "csv").string() + "' '" + xlsx.string() + "' >/dev/null 2>&1";
+  EXPECT_EQ(std::system(command.c_str()), 0) << command;
+  return Slurp(work / "csv" / xlsx.filename().replace_extension(".csv"));
+}
+
 // A sheet with a list grid, a detail grid with a masked column and two fields: DoPrint writes
 // the print data file of the fields and the detail grid.
 class GridPrintProbe : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk::IDesignUI {
@@ -83,7 +132,7 @@ class GridPrintProbe : public mrvk::ModuleObject, public mrvk::IFormUI, public m
     controls_.Add(kvGrid);
     kvTxt.Add(controls_, 0).Caption = "合同编号";
     kvTxt.Add(controls_, 1).Caption = "  租户  ";
-    Vs.SetFormatString("行号|编号    |名称        |租金      |ID");
+    Vs.SetFormatString("行号|编号    |名称        |租金      |ID|身份证号          |签约日期  ");
     Vs.ColDataType(1) = grid_type::kString;
     Vs.ColFormat(3) = "#,##0.00";
     Vs.ColWidth(4) = 0;
@@ -106,11 +155,28 @@ class GridPrintProbe : public mrvk::ModuleObject, public mrvk::IFormUI, public m
   }
   bool Refresh() override {
     mrvk::RowsArray rows;
-    rows.fields = 4;
+    rows.fields = 6;
     rows.rows = 3;
-    rows.cells = {Variant("001"),  Variant("李四"), Variant(1200.5), Variant(7),
-                  Variant("1002"), Variant("王五"), Variant(800),    Variant(8),
-                  Variant("003"),  Variant("赵六"), Variant(-5),     Variant(9)};
+    // Texts that look like numbers (an ID number, a phone number with its leading zero) and
+    // like formulas, dates as the engines give them.
+    rows.cells = {Variant("001"),
+                  Variant("李四"),
+                  Variant(1200.5),
+                  Variant(7),
+                  Variant("310244196521631232"),
+                  Variant("2012-10-11"),
+                  Variant("1002"),
+                  Variant("=1+2"),
+                  Variant(800),
+                  Variant(8),
+                  Variant("02163451234"),
+                  Variant("2012-02-29"),
+                  Variant("003"),
+                  Variant("@赵六"),
+                  Variant(-5),
+                  Variant(9),
+                  Variant("-12"),
+                  Variant::Null()};
     Vs.LoadArray(rows);
     SubtotalArgs total;
     total.total_on = 3;
@@ -235,7 +301,7 @@ TEST_F(PrintExportTest, ASheetsPrintDataFileIsRenderedByTheHost) {
   EXPECT_EQ(html.find("1500"), std::string::npos);
 }
 
-TEST_F(PrintExportTest, XlsxKeepsHeadersHiddenColumnsAndNumbers) {
+TEST_F(PrintExportTest, XlsxWritesEachColumnByTheTypeOfItsData) {
   json a = Export("Vs", "xlsx");
   ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
   const fs::path file = a["result"]["path"].get<std::string>();
@@ -248,7 +314,8 @@ TEST_F(PrintExportTest, XlsxKeepsHeadersHiddenColumnsAndNumbers) {
 
   // Texts go to the shared strings: the header, the codes with their zeros, the total's
   // caption; numbers stay numbers, also the negative one and the total.
-  for (const char* text : {"行号", "编号", "名称", "租金", "001", "003", "李四", "合计"})
+  for (const char* text : {"行号", "编号", "名称", "租金", "001", "003", "李四", "合计",
+                           "310244196521631232", "02163451234", "-12"})
     EXPECT_NE(strings.find(std::string(">") + text + "<"), std::string::npos) << text;
   EXPECT_EQ(strings.find(">1200.5<"), std::string::npos);
   // "1002" is a plain number, but the code column holds texts.
@@ -264,18 +331,39 @@ TEST_F(PrintExportTest, XlsxKeepsHeadersHiddenColumnsAndNumbers) {
   EXPECT_NE(sheet.find("state=\"frozen\""), std::string::npos);
   // The rent's display format is the cells' number format.
   EXPECT_NE(zip.at("xl/styles.xml").find("formatCode=\"#,##0.00\""), std::string::npos);
+  // Dates are dates (days since 1900) shown as the grid shows them.
+  EXPECT_NE(sheet.find("<v>41193</v>"), std::string::npos);
+  EXPECT_NE(sheet.find("<v>40968</v>"), std::string::npos);
+  EXPECT_NE(zip.at("xl/styles.xml").find("formatCode=\"yyyy-mm-dd\""), std::string::npos);
+
+  // Read back by a spreadsheet program, every digit of the ID and phone numbers is there, a
+  // text stays a text (no formula) and numbers and dates show in their formats.
+  std::string missing;
+  const std::string csv = ReadBackWithLibreOffice(file, dir, missing);
+  if (!missing.empty()) {
+    if (std::getenv("MRVK_REQUIRE_E2E")) FAIL() << missing << " but MRVK_REQUIRE_E2E is set";
+    GTEST_SKIP() << "not read back: " << missing;
+  }
+  const auto cells = CsvCells(csv);
+  ASSERT_EQ(cells.size(), 5u) << csv;
+  const std::vector<std::vector<std::string>> expected = {
+      {"", "001", "李四", "1,200.50", "7", "310244196521631232", "2012-10-11"},
+      {"", "1002", "=1+2", "800.00", "8", "02163451234", "2012-02-29"},
+      {"", "003", "@赵六", "-5.00", "9", "-12", ""},
+      {"", "合计", "", "1,995.50", "", "", ""}};
+  for (size_t r = 0; r < expected.size(); ++r) EXPECT_EQ(cells[r + 1], expected[r]) << csv;
 }
 
-TEST_F(PrintExportTest, CsvIsUtf8WithAMarkAndLeavesHiddenColumnsOut) {
+TEST_F(PrintExportTest, CsvIsUtf8WithAMarkLeavesHiddenColumnsOutAndWritesNoFormula) {
   json a = Export("Vs", "csv");
   ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
   EXPECT_EQ(Slurp(a["result"]["path"].get<std::string>()),
             "\xEF\xBB\xBF"
-            "行号,编号,名称,租金\r\n"
-            ",001,李四,1200.5\r\n"
-            ",1002,王五,800\r\n"
-            ",003,赵六,-5\r\n"
-            ",合计,,1995.5\r\n");
+            "行号,编号,名称,租金,身份证号,签约日期\r\n"
+            ",001,李四,1200.5,310244196521631232,2012-10-11\r\n"
+            ",1002,'=1+2,800,02163451234,2012-02-29\r\n"
+            ",003,'@赵六,-5,'-12,\r\n"
+            ",合计,,1995.5,,\r\n");
 
   a = Export("kvGrid", "csv");
   ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();

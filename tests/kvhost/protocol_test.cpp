@@ -362,6 +362,28 @@ TEST_P(ProtocolTest, AnEntryDialogIsWorkedOnUntilItCloses) {
   EXPECT_FALSE(Send({{"op", "state"}, {"dialog", true}})["ok"].get<bool>());
 }
 
+TEST_P(ProtocolTest, ACheckThatMovesTheFocusKeepsItAfterTheClick) {
+  json a = Send({{"op", "open"}, {"class", "PDMYz"}, {"progID", 870004}});
+  ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
+  const int s = a["result"].get<int>();
+  a = Send({{"op", "call"}, {"screen", s}, {"method", "FileNew"}});
+  ASSERT_EQ(a["pending"]["kind"], "dialog") << a.dump();
+  json type = Gesture(s, "kvTxt", 0, "type", "Y01");
+  type["dialog"] = true;
+  Send(type);
+  // Saving without a name: the check sends the person to the name, not to the button.
+  json save = Gesture(s, "Cmd", 0, "click");
+  save["dialog"] = true;
+  a = Send(save);
+  ASSERT_EQ(a["pending"]["kind"], "dialog") << a.dump();
+  ASSERT_EQ(a["events"].size(), 1u) << a.dump();
+  EXPECT_EQ(a["events"][0]["args"][0], "没有具体的姓名,请录入!");
+  const json& controls = a["pending"]["dialog"]["controls"];
+  EXPECT_EQ(ControlState(controls, "kvTxt", 1)["focus"], true) << controls.dump();
+  EXPECT_FALSE(ControlState(controls, "Cmd", 0).contains("focus"));
+  Send({{"op", "answer"}, {"value", nullptr}});
+}
+
 MRVK_ON_BOTH_ENGINES(ProtocolTest);
 
 }  // namespace

@@ -2,8 +2,11 @@
 
 #include <libpq-fe.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
+#include <filesystem>
 
 namespace kvhost::db {
 namespace {
@@ -40,6 +43,50 @@ PgConnection::~PgConnection() {
   if (conn_) PQfinish(conn_);
 }
 
+namespace {
+
+// The host's time zone: TZ, else the zone /etc/localtime links to ("Asia/Shanghai"); ""
+// when neither names one.
+std::string HostTimeZone() {
+  const char* tz = std::getenv("TZ");
+  std::string name = tz ? tz : "";
+  if (!name.empty() && name[0] == ':') name.erase(0, 1);
+  if (name.empty()) {
+    std::error_code ec;
+    name = std::filesystem::read_symlink("/etc/localtime", ec).string();
+    if (ec) return tz ? "UTC" : "";
+  }
+  if (const size_t at = name.find("zoneinfo/"); at != std::string::npos) name.erase(0, at + 9);
+  return name;
+}
+
+// The host's offset from UTC now, as PostgreSQL's interval ("+08:00"), for a zone that
+// PostgreSQL does not know by name.
+std::string HostUtcOffset() {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  const long minutes = local.tm_gmtoff / 60;
+  char text[16];
+  std::snprintf(text, sizeof text, "%c%02ld:%02ld", minutes < 0 ? '-' : '+',
+                std::labs(minutes) / 60, std::labs(minutes) % 60);
+  return text;
+}
+
+}  // namespace
+
+// Date() and Now() of a statement are the host's local date and time on both engines: the
+// session takes the host's time zone (PostgreSQL's own would be the server's, which may
+// stand in another zone). A zone PostgreSQL does not know by name falls back to the host's
+// present offset.
+void PgConnection::UseHostTimeZone() {
+  const std::string zone = HostTimeZone();
+  if (!zone.empty() && zone.find('\'') == std::string::npos &&
+      ExecuteRaw("SET TimeZone = '" + zone + "'").ok())
+    return;
+  (void)ExecuteRaw("SET TimeZone = INTERVAL '" + HostUtcOffset() + "' HOUR TO MINUTE");
+}
+
 std::unique_ptr<PgConnection> PgConnection::Open(const std::string& conninfo, std::string& error) {
   auto conn = std::unique_ptr<PgConnection>(new PgConnection());
   conn->conn_ = PQconnectdb(conninfo.c_str());
@@ -59,6 +106,10 @@ std::unique_ptr<PgConnection> PgConnection::Open(const std::string& conninfo, st
     error = "cannot set up the PostgreSQL session: " + s.message();
     return nullptr;
   }
+  conn->UseHostTimeZone();
+  // Errors raised inside the schema's functions read as their own words, without the
+  // function's place in them.
+  PQsetErrorContextVisibility(conn->conn_, PQSHOW_CONTEXT_NEVER);
   return conn;
 }
 

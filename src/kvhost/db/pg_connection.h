@@ -33,6 +33,8 @@ class PgConnection : public Connection {
 
  private:
   PgConnection() = default;
+  // Sets the session's time zone to the host's.
+  void UseHostTimeZone();
   // Runs stmt as a prepared statement of its shape; result in *out (caller PQclear's it).
   Status Run(const RewrittenSql& stmt, PGresult** out);
 

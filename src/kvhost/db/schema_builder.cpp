@@ -252,19 +252,89 @@ class Builder {
   // Jet's functions that the module's statements use, with Jet's meaning.
   static std::string PostgresFunctions() {
     return R"SQL(
-CREATE OR REPLACE FUNCTION val(text) RETURNS double precision LANGUAGE sql IMMUTABLE AS $$
-  SELECT COALESCE(NULLIF(substring(translate($1, E' \t\r\n', '')
-         FROM '^[+-]?(?:[0-9]+\.?[0-9]*|\.[0-9]+)(?:[eE][+-]?[0-9]+)?'), ''), '0')::double precision $$;
+CREATE OR REPLACE FUNCTION val(text) RETURNS double precision LANGUAGE plpgsql IMMUTABLE STRICT AS $$
+DECLARE
+  s text := translate($1, E' \t\r\n', '');
+  base integer;
+  digit integer;
+  v bigint := 0;
+  m text[];
+BEGIN
+  -- "&H" and "&O": hexadecimal and octal digits up to the first other character.
+  IF s ~* '^&[ho]' THEN
+    base := CASE WHEN substr(s, 2, 1) IN ('h', 'H') THEN 16 ELSE 8 END;
+    FOR i IN 3..length(s) LOOP
+      digit := position(lower(substr(s, i, 1)) IN '0123456789abcdef') - 1;
+      EXIT WHEN digit < 0 OR digit >= base;
+      v := v * base + digit;
+      EXIT WHEN v > 4294967295;
+    END LOOP;
+    RETURN v;
+  END IF;
+  -- A sign, digits with one point, an exponent written with E or D.
+  m := regexp_match(s, '^([+-]?(?:[0-9]+\.?[0-9]*|\.[0-9]+))(?:[eEdD]([+-]?[0-9]+))?');
+  IF m IS NULL THEN
+    RETURN 0;
+  END IF;
+  -- Well inside a double's range no error can come, so no guard is needed there.
+  IF (CASE WHEN length(m[1]) > 100 THEN false
+           WHEN m[2] IS NULL THEN true
+           WHEN length(m[2]) > 4 THEN false
+           ELSE abs(m[2]::integer) <= 200 END) THEN
+    RETURN (m[1] || COALESCE('e' || m[2], ''))::double precision;
+  END IF;
+  BEGIN
+    RETURN (m[1] || COALESCE('e' || m[2], ''))::double precision;
+  EXCEPTION WHEN numeric_value_out_of_range OR invalid_text_representation THEN
+    RETURN 0;  -- beyond a double, as the host's Val gives
+  END;
+END $$;
 CREATE OR REPLACE FUNCTION val(double precision) RETURNS double precision LANGUAGE sql IMMUTABLE AS $$ SELECT $1 $$;
 CREATE OR REPLACE FUNCTION len(text) RETURNS integer LANGUAGE sql IMMUTABLE AS $$ SELECT length($1) $$;
-CREATE OR REPLACE FUNCTION mid(text, integer) RETURNS text LANGUAGE sql IMMUTABLE AS $$ SELECT substr($1, $2) $$;
-CREATE OR REPLACE FUNCTION mid(text, integer, integer) RETURNS text LANGUAGE sql IMMUTABLE AS $$ SELECT substr($1, $2, $3) $$;
+CREATE OR REPLACE FUNCTION mid(text, integer, integer) RETURNS text LANGUAGE plpgsql IMMUTABLE STRICT AS $$
+BEGIN
+  IF $2 < 1 THEN
+    RAISE EXCEPTION 'Mid: invalid start %', $2;
+  END IF;
+  IF $3 < 0 THEN
+    RAISE EXCEPTION 'Mid: invalid length %', $3;
+  END IF;
+  RETURN substr($1, $2, $3);
+END $$;
+CREATE OR REPLACE FUNCTION mid(text, integer) RETURNS text LANGUAGE plpgsql IMMUTABLE STRICT AS $$
+BEGIN
+  IF $2 < 1 THEN
+    RAISE EXCEPTION 'Mid: invalid start %', $2;
+  END IF;
+  RETURN substr($1, $2);
+END $$;
+-- A date written as the host reads one (yyyy-mm-dd, also with "/" or "." and one-digit
+-- months and days, a time part after it ignored); Null when it is no real date.
+CREATE OR REPLACE FUNCTION text_date(text) RETURNS date LANGUAGE plpgsql IMMUTABLE STRICT AS $$
+DECLARE
+  m text[] := regexp_match($1, '^ *([0-9]{4})([-/.])([0-9]{1,2})\2([0-9]{1,2})(?:[ T][0-9:.+-]*)? *$');
+  y integer;
+  mo integer;
+  d integer;
+BEGIN
+  IF m IS NULL THEN
+    RETURN NULL;
+  END IF;
+  y := m[1]::integer;
+  mo := m[3]::integer;
+  d := m[4]::integer;
+  IF y < 1 OR mo < 1 OR mo > 12 OR d < 1 OR
+     d > extract(day FROM make_date(y, mo, 1) + interval '1 month - 1 day') THEN
+    RETURN NULL;
+  END IF;
+  RETURN make_date(y, mo, d);
+END $$;
 CREATE OR REPLACE FUNCTION year(date) RETURNS integer LANGUAGE sql IMMUTABLE AS $$ SELECT extract(year FROM $1)::integer $$;
 CREATE OR REPLACE FUNCTION month(date) RETURNS integer LANGUAGE sql IMMUTABLE AS $$ SELECT extract(month FROM $1)::integer $$;
 CREATE OR REPLACE FUNCTION day(date) RETURNS integer LANGUAGE sql IMMUTABLE AS $$ SELECT extract(day FROM $1)::integer $$;
-CREATE OR REPLACE FUNCTION year(text) RETURNS integer LANGUAGE sql IMMUTABLE AS $$ SELECT extract(year FROM $1::date)::integer $$;
-CREATE OR REPLACE FUNCTION month(text) RETURNS integer LANGUAGE sql IMMUTABLE AS $$ SELECT extract(month FROM $1::date)::integer $$;
-CREATE OR REPLACE FUNCTION day(text) RETURNS integer LANGUAGE sql IMMUTABLE AS $$ SELECT extract(day FROM $1::date)::integer $$;
+CREATE OR REPLACE FUNCTION year(text) RETURNS integer LANGUAGE sql IMMUTABLE AS $$ SELECT extract(year FROM text_date($1))::integer $$;
+CREATE OR REPLACE FUNCTION month(text) RETURNS integer LANGUAGE sql IMMUTABLE AS $$ SELECT extract(month FROM text_date($1))::integer $$;
+CREATE OR REPLACE FUNCTION day(text) RETURNS integer LANGUAGE sql IMMUTABLE AS $$ SELECT extract(day FROM text_date($1))::integer $$;
 )SQL";
   }
 

@@ -665,6 +665,7 @@ bool SqlRewriter::Apply(const Plan& plan, const std::vector<Literal>& literals, 
     const Slot& slot = plan.slots[i];
     const Literal& t = literals[static_cast<size_t>(slot.literal)];
     if (!slot.param) {
+      out.shape_id = 0;  // the literal makes this statement's text its own
       if (t.kind == Tok::String) {
         s += QuoteText(t.text);
       } else {

@@ -37,8 +37,10 @@ struct RewrittenSql {
   std::vector<SqlParam> params;
   bool is_select = false;  // the statement yields rows (SELECT)
   // Statements of one shape rewritten by one rewriter share this number, unique in the process
-  // (never 0), so an engine can find its prepared statement without hashing the text; 0 for texts
-  // of our own.
+  // (never 0), so an engine can find its prepared statement without hashing the text. 0 for
+  // texts of our own and for statements that keep a literal in their text (a select list's
+  // 'x', the 3 of mid(s,3,2)): those differ by more than their parameters, so their text is
+  // the key.
   uint64_t shape_id = 0;
 };
 

@@ -66,15 +66,28 @@ void FnRight(sqlite3_context* ctx, int, sqlite3_value** argv) {
   ResultText(ctx, s.substr(Utf8Advance(s, 0, n >= len ? 0 : len - n)));
 }
 
+// Mid(s, start[, length]): a start before the first character or a negative length fails the
+// statement, as Jet refuses them (the PostgreSQL function says the same words).
 void FnMid(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
-  if (sqlite3_value_type(argv[0]) == SQLITE_NULL) return sqlite3_result_null(ctx);
+  for (int i = 0; i < argc; ++i)
+    if (sqlite3_value_type(argv[i]) == SQLITE_NULL) return sqlite3_result_null(ctx);
   const std::string s = ArgText(argv[0]);
   const long start = sqlite3_value_int(argv[1]);
-  const size_t from = Utf8Advance(s, 0, start > 1 ? start - 1 : 0);
-  const size_t to = argc > 2 ? Utf8Advance(s, from, sqlite3_value_int(argv[2])) : s.size();
+  if (start < 1) {
+    const std::string error = "Mid: invalid start " + std::to_string(start);
+    return sqlite3_result_error(ctx, error.c_str(), -1);
+  }
+  const long length = argc > 2 ? sqlite3_value_int(argv[2]) : 0;
+  if (length < 0) {
+    const std::string error = "Mid: invalid length " + std::to_string(length);
+    return sqlite3_result_error(ctx, error.c_str(), -1);
+  }
+  const size_t from = Utf8Advance(s, 0, start - 1);
+  const size_t to = argc > 2 ? Utf8Advance(s, from, length) : s.size();
   ResultText(ctx, s.substr(from, to - from));
 }
 
+// Year, Month and Day of a text that is no real date (the 30th of February) give Null.
 void DatePart(sqlite3_context* ctx, sqlite3_value* v, int part) {
   if (sqlite3_value_type(v) == SQLITE_NULL) return sqlite3_result_null(ctx);
   auto d = mrvk::ParseDate(ArgText(v));
@@ -85,14 +98,17 @@ void FnYear(sqlite3_context* ctx, int, sqlite3_value** argv) { DatePart(ctx, arg
 void FnMonth(sqlite3_context* ctx, int, sqlite3_value** argv) { DatePart(ctx, argv[0], 1); }
 void FnDay(sqlite3_context* ctx, int, sqlite3_value** argv) { DatePart(ctx, argv[0], 2); }
 
-void FnNow(sqlite3_context* ctx, int, sqlite3_value**) {
+// Now() and Date() are the host's local time (SQLite's own date() would be UTC).
+void LocalTime(sqlite3_context* ctx, const char* format) {
   const std::time_t t = std::time(nullptr);
   std::tm tm{};
   localtime_r(&t, &tm);
   char buf[32];
-  std::strftime(buf, sizeof buf, "%Y-%m-%d %H:%M:%S", &tm);
+  std::strftime(buf, sizeof buf, format, &tm);
   ResultText(ctx, buf);
 }
+void FnNow(sqlite3_context* ctx, int, sqlite3_value**) { LocalTime(ctx, "%Y-%m-%d %H:%M:%S"); }
+void FnDate(sqlite3_context* ctx, int, sqlite3_value**) { LocalTime(ctx, "%Y-%m-%d"); }
 
 struct FunctionDef {
   const char* name;
@@ -105,7 +121,7 @@ constexpr FunctionDef kFunctions[] = {
     {"val", 1, FnVal, true},     {"len", 1, FnLen, true},     {"left", 2, FnLeft, true},
     {"right", 2, FnRight, true}, {"mid", 2, FnMid, true},     {"mid", 3, FnMid, true},
     {"year", 1, FnYear, true},   {"month", 1, FnMonth, true}, {"day", 1, FnDay, true},
-    {"now", 0, FnNow, false},
+    {"now", 0, FnNow, false},    {"date", 0, FnDate, false},
 };
 
 }  // namespace

@@ -14,6 +14,11 @@ namespace {
                       grid + ": " + what + " " + std::to_string(index) + " 不存在");
 }
 
+// A text "yyyy-mm-dd" of a real date.
+bool IsIsoDate(const std::string& text) {
+  return text.size() == 10 && text[4] == '-' && text[7] == '-' && mrvk::ParseDate(text);
+}
+
 }  // namespace
 
 GridControl::GridControl(std::string type_name, std::string name, int index)
@@ -178,6 +183,21 @@ void GridControl::LoadArray(const mrvk::RowsArray& data) {
       std::min(data.fields, static_cast<size_t>(std::max(Cols() - fixed_cols_, 0)));
   rows_.reserve(static_cast<size_t>(fixed_rows_) + data.rows);
   const size_t first = static_cast<size_t>(fixed_cols_);
+  for (size_t c = first; c < columns_.size(); ++c) columns_[c].loaded_type = grid_type::kEmpty;
+  for (size_t f = 0; f < fields; ++f) {
+    int type = grid_type::kEmpty;
+    for (size_t r = 0; r < data.rows && type != grid_type::kString; ++r) {
+      const mrvk::Variant& v = data.at(f, r);
+      if (v.IsNull() || v.IsEmpty()) continue;
+      int one = grid_type::kString;
+      if (v.IsNumeric())
+        one = grid_type::kDouble;
+      else if (v.type() == mrvk::Variant::Type::Date || (v.IsString() && IsIsoDate(v.AsString())))
+        one = grid_type::kDate;
+      type = type == grid_type::kEmpty || type == one ? one : grid_type::kString;
+    }
+    columns_[first + f].loaded_type = type;
+  }
   for (size_t r = 0; r < data.rows; ++r) {
     GridRow& row = rows_.emplace_back();
     row.text.resize(columns_.size());
@@ -189,6 +209,11 @@ void GridControl::LoadArray(const mrvk::RowsArray& data) {
         row.text[first + f] = v.ToString();
     }
   }
+}
+
+int GridControl::ColValueType(int col) const {
+  const GridColumn& column = ColumnAt(col);
+  return column.data_type != grid_type::kEmpty ? column.data_type : column.loaded_type;
 }
 
 std::string GridControl::DisplayText(int row, int col) const {

@@ -116,6 +116,11 @@ class GridControl : public Control {
   int ColAlignment(int col) const { return ColumnAt(col).alignment; }
   int& ColDataType(int col) { return ColumnAt(col).data_type; }
   int ColDataType(int col) const { return ColumnAt(col).data_type; }
+  // The type of the data a column holds: its ColDataType when one is set, else what the last
+  // LoadArray put into it: kDouble when every value was a number, kDate when every value was
+  // a date or a text "yyyy-mm-dd" of a real date (the form in which both engines give dates),
+  // kString for any other mix; kEmpty when nothing tells (no value loaded).
+  virtual int ColValueType(int col) const;
   std::string& ColFormat(int col) { return ColumnAt(col).format; }
   const std::string& ColFormat(int col) const { return ColumnAt(col).format; }
   bool& MergeCol(int col) { return ColumnAt(col).merge; }
@@ -180,6 +185,7 @@ class GridControl : public Control {
     bool hidden = false;
     int alignment = grid_align::kGeneral;
     int data_type = grid_type::kEmpty;
+    int loaded_type = grid_type::kEmpty;  // the type of the values LoadArray put in
     std::string format;
     bool merge = false;
   };

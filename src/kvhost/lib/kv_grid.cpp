@@ -17,6 +17,14 @@ const KvGridColumn& KvGrid::Column(int col) const {
   return columns_[static_cast<size_t>(col)];
 }
 
+int KvGrid::ColValueType(int col) const {
+  if (ColDataType(col) == grid_type::kEmpty) {
+    if (Column(col).Kind == GridColumnKind::Number) return grid_type::kDouble;
+    if (Column(col).Kind == GridColumnKind::Date) return grid_type::kDate;
+  }
+  return GridControl::ColValueType(col);
+}
+
 void KvGrid::ResetColumn(int col) {
   Column(col) = KvGridColumn{};
   ColHidden(col) = false;

@@ -40,6 +40,8 @@ class KvGrid : public GridControl {
   const KvGridColumn& Column(int col) const;
   // Resets a column: shown, no list, no picker, editable, no colours, text.
   void ResetColumn(int col);
+  // A number or date column by its kind, when no ColDataType says otherwise.
+  int ColValueType(int col) const override;
 
   // Before a typed text goes into a cell: the handler may change the text or cancel.
   std::function<void(int row, int col, std::string& text, bool& cancel)> BeforeEdit;

@@ -102,8 +102,11 @@ std::string KvTxt::Apply(const Gesture& g) {
     const std::string before = Text;
     const mrvk::Variant before_value = Value;
     ShowPicker(Text, Value);
-    checked_text_ = Text;
-    if ((Text != before || !(Value == before_value)) && Change) Change();
+    // A cancelled list leaves the field as it was, a typed text still to be checked included.
+    if (Text != before || !(Value == before_value)) {
+      checked_text_ = Text;
+      if (Change) Change();
+    }
     return "";
   }
   if (g.kind == "check") {

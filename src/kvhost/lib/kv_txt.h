@@ -65,7 +65,8 @@ class KvTxt : public Control {
   // type: Text = text, then Change. leave: a checked field with a changed, non-empty text
   // raises CheckPicker; an emptied bound field loses its Value; a date field reformats a
   // typed date as "yyyy-mm-dd"; then LostFocus. pick: a closed list takes the entry given
-  // as text, then Change; otherwise ShowPicker, and a changed choice raises Change. check:
+  // as text, then Change; otherwise ShowPicker, and a changed choice raises Change (a list
+  // cancelled or left unchanged leaves the field as it was, unchecked text too). check:
   // CheckPicker with the present text.
   std::string Apply(const Gesture& gesture) override;
 

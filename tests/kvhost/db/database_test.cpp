@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <ctime>
 #include <set>
 
 #include "kvhost/lib/bill_data.h"
@@ -265,6 +267,64 @@ TEST_P(DatabaseTest, ExecuteRefusesSelectsAndQueryRefusesWrites) {
   db::ResultSet rs;
   EXPECT_FALSE(db().Query("delete from fwyz", rs));
   EXPECT_NE(db().Error().Description().find("SELECT"), std::string::npos);
+}
+
+TEST_P(DatabaseTest, JetFunctionsGiveTheSameAnswersOnBothEngines) {
+  struct Case {
+    const char* expression;
+    const char* answer;  // the value as text, or the failure's text
+    bool fails;
+  } cases[] = {
+      {"val('2D2')", "200", false},
+      {"val(' 1 2.5e1x')", "125", false},
+      {"val('-.5d-1')", "-0.05", false},
+      {"val('&HFF')", "255", false},
+      {"val('&o17')", "15", false},
+      {"val('&H')", "0", false},
+      {"val('1e999')", "0", false},
+      {"val('abc')", "0", false},
+      {"coalesce(day('2012-02-30'),-1)", "-1", false},
+      {"coalesce(year('2012-13-01'),-1)", "-1", false},
+      {"day('2012-2-29')", "29", false},
+      {"month('2012/03/05 10:00:00')", "3", false},
+      {"mid('房屋租赁',2,2)", "屋租", false},
+      {"mid('房屋租赁',3)", "租赁", false},
+      {"mid('abc',4,2)", "", false},
+      {"mid('abc',0,2)", "Mid: invalid start 0", true},
+      {"mid('abc',0)", "Mid: invalid start 0", true},
+      {"mid('abc',1,-1)", "Mid: invalid length -1", true},
+  };
+  for (const Case& c : cases) {
+    const std::string sql =
+        std::string("select ") + c.expression + " from xt_menu where progID=870004";
+    const mrvk::Variant v = db().CreateCommand(sql, 1)->ExecuteScalar();
+    EXPECT_EQ(c.fails ? db().Error().Description() : v.ToString(), c.answer) << c.expression;
+  }
+}
+
+TEST_P(DatabaseTest, DateIsTheHostsLocalDate) {
+  // A zone where the date is not UTC's at this moment: 13 hours ahead in the afternoon (UTC),
+  // 12 hours behind in the morning.
+  const std::time_t now = std::time(nullptr);
+  std::tm utc{};
+  gmtime_r(&now, &utc);
+  const char* old_tz = std::getenv("TZ");
+  const std::string saved = old_tz ? old_tz : "";
+  setenv("TZ", utc.tm_hour >= 12 ? "XXX-13" : "XXX+12", /*overwrite=*/1);
+  tzset();
+  std::tm local{};
+  localtime_r(&now, &local);
+  char today[16];
+  std::strftime(today, sizeof today, "%Y-%m-%d", &local);
+  auto clerk = NewHost();  // its connection opens in this zone
+  auto cmd = clerk->database().CreateCommand("select Date() from xt_menu where progID=870004", 1);
+  const std::string answer = cmd->ExecuteScalar().ToString();
+  if (old_tz)
+    setenv("TZ", saved.c_str(), /*overwrite=*/1);
+  else
+    unsetenv("TZ");
+  tzset();
+  EXPECT_EQ(answer, today);
 }
 
 MRVK_ON_BOTH_ENGINES(DatabaseTest);

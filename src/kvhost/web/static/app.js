@@ -286,7 +286,7 @@ async function dialogGesture(g, render, resolve, closeLayer, kind) {
   const a = await protocol(Object.assign({ op: 'gesture', dialog: true }, g));
   if (a.pending && a.pending.kind === kind) {
     await showEvents(Object.assign({}, a, { pending: undefined, error: undefined }), null);
-    render(a.pending, a);
+    render(a.pending, a, a.ok ? movedFocus((a.pending.dialog || {}).controls, g) : null);
     return;
   }
   // The dialog went away: the operation that showed it goes on from this answer.
@@ -306,7 +306,7 @@ function dialogLayer(p, answer) {
     let footer = null;
     let buttons = [];
     const typed = new Map();  // texts sent and not yet answered, by control
-    const render = (pending, lastAnswer) => {
+    const render = (pending, lastAnswer, moved) => {
       const d = pending.dialog || {};
       const ctx = { gesture: (g) => dialogGesture(g, render, resolve, () => closeLayer(), 'dialog'),
                     pending: typed };
@@ -340,7 +340,9 @@ function dialogLayer(p, answer) {
       footer.textContent = '';
       footer.append(...commands);
       footer.hidden = commands.length === 0;
-      if (!restoreFocus(layer, focus)) focusFirst(layer);
+      if (!(moved && restoreFocus(layer, { key: moved })) && !restoreFocus(layer, focus)) {
+        focusFirst(layer);
+      }
     };
     render(p, answer);
   });
@@ -411,6 +413,17 @@ function restoreFocus(root, f) {
     if (f.start !== null && f.start !== undefined) target.setSelectionRange(f.start, f.end);
   } catch (e) { /* not a text control */ }
   return true;
+}
+
+// The control a gesture's handler moved the focus to: the one the state marks as focused
+// when that is not the control of the gesture g (which takes the focus itself), else null.
+// The redraw then puts the focus there instead of where the person left it.
+function movedFocus(controls, g) {
+  const f = (controls || []).find((c) => c.focus);
+  if (!f) return null;
+  const key = f.name + (f.index !== undefined ? '(' + f.index + ')' : '');
+  const own = g.control + (g.index !== undefined ? '(' + g.index + ')' : '');
+  return key.toLowerCase() === own.toLowerCase() ? null : key;
 }
 
 // The control the state marks as focused, else the first that takes input.
@@ -937,7 +950,10 @@ async function openRow(tab, row, col, ref) {
 async function screenGesture(tab, g, noRefresh) {
   const a = await settle(await protocol(Object.assign({ op: 'gesture', screen: tab.screen }, g)), tab);
   if (!a.ok && a.error) status(a.error);
-  if (!noRefresh) await refreshState(tab);
+  if (noRefresh) return;
+  await refreshState(tab);
+  const moved = a.ok && tab.state ? movedFocus(tab.state.controls, g) : null;
+  if (moved) restoreFocus(tab.node, { key: moved });
 }
 
 // ---------------------------------------------------------------- toolbar
