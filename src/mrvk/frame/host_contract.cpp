@@ -48,9 +48,12 @@ std::optional<std::string> ConditionText(const Variant& conditions, int plane, b
   }
   std::string text;
   for (int row = 0; row <= a->UBound(2); ++row) {
-    // Every row must name a declared field and a known operator, also one without a value.
+    // Every row must name a declared field and a known operator, also one without a value;
+    // only a row that is blank throughout (padding of the other plane) is passed over.
     const std::string caption = a->at({plane, row, 1}).ToString();
     const std::string op = Trim(a->at({plane, row, 2}).ToString());
+    const std::string value = Trim(a->at({plane, row, 0}).ToString());
+    if (caption.empty() && op.empty() && value.empty()) continue;
     auto field = std::find_if(fields.begin(), fields.end(),
                               [&](const SearchField& f) { return f.caption == caption; });
     if (field == fields.end()) {
@@ -65,7 +68,6 @@ std::optional<std::string> ConditionText(const Variant& conditions, int plane, b
       return std::nullopt;
     }
     const bool like = op == "like";
-    const std::string value = Trim(a->at({plane, row, 0}).ToString());
     if (value.empty()) continue;
     if (like) {
       text += " and " + field->column + " like " + SqlQuoted("%" + value + "%");

@@ -171,7 +171,8 @@ TEST(ConditionText, WritesDeclaredColumnsAndTypedValues) {
   EXPECT_FALSE(ConditionText(Variant(), 1, true, kContractFields, refusal));
   EXPECT_FALSE(ConditionText(Variant::Null(), 1, true, kContractFields, refusal));
   EXPECT_EQ(refusal, "");
-  Variant blank = Conditions({{{"", "合同编号", "="}}, {{" ", "月租金", "<"}}});
+  Variant blank =
+      Conditions({{{"", "合同编号", "="}, {"", "", ""}}, {{" ", "月租金", "<"}, {"", "", ""}}});
   EXPECT_EQ(*ConditionText(blank, /*plane=*/1, /*jet=*/true, kContractFields, refusal), "");
 }
 
