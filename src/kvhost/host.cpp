@@ -371,11 +371,30 @@ Status Host::gesture(ControlList& controls, const std::string& owner, const std:
   return Status::Ok();
 }
 
+Status Host::search_fields(Screen& screen, std::vector<mrvk::SearchField>& fields) {
+  fields.clear();
+  return guarded(screen.class_name + ".SearchFields", [&] {
+    if (auto* form = screen.form()) fields = form->SearchFields();
+    if (auto* report = screen.report()) fields = report->SearchFields();
+  });
+}
+
 Status Host::invoke(Screen& screen, const std::string& method, const Args& args,
                     mrvk::Variant& result) {
   result = mrvk::Variant();
   if (method == "Init" || method == "Clear")
     return Status::Error(method + " is the host's own call: open and close the screen instead");
+  if ((method == "Find" || method == "Filter") && args.size() == 1) {
+    // A condition naming anything but a declared field and operator, or a date value that is
+    // no date, never reaches the screen.
+    std::vector<mrvk::SearchField> fields;
+    if (Status st = search_fields(screen, fields); !st.ok()) return st;
+    std::string refusal;
+    for (int plane : {0, 1}) {
+      mrvk::ConditionText(args[0], plane, /*jet=*/false, fields, refusal);
+      if (!refusal.empty()) return Status::Error(refusal);
+    }
+  }
   auto arity_error = [&](size_t want) {
     return Status::Error(method + " takes " + std::to_string(want) + " argument" +
                          (want == 1 ? "" : "s") + ", not " + std::to_string(args.size()));

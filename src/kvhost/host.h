@@ -119,8 +119,10 @@ class Host {
   Status invoke(Screen& screen, const std::string& method, const std::vector<mrvk::Variant>& args,
                 mrvk::Variant& result);
 
-  // Runs fn as a call into the module: the UI port is set for the thread, and a run-time
-  // failure that escapes the module becomes an error status.
+  // The fields a screen's Find and Filter may name (none for a screen that is neither a
+  // sheet nor a report). Find and Filter through invoke refuse any other condition.
+  Status search_fields(Screen& screen, std::vector<mrvk::SearchField>& fields);
+
   // A person's gesture on control `name`(index) of a screen (index -1 outside an array), as
   // a call into the module. An error status when the screen has no such control, the control
   // refuses the gesture (nothing changed then), or a run-time failure escapes.

@@ -152,7 +152,13 @@ void HostContext::CheckPicker(KvTxt& field, const std::string& typed, mrvk::Vari
     mrvk::MsgBox(message, mrvk::msgbox::kExclamation, "");
     return;
   }
-  auto rs = db_.CreateCommand(SpliceTyped(field.Config.ValidateSql, typed), 1)->OpenRecordset();
+  std::string refusal;
+  const std::optional<std::string> sql = SpliceTyped(field.Config.ValidateSql, typed, refusal);
+  if (!sql) {
+    mrvk::MsgBox(refusal, mrvk::msgbox::kCritical, "");
+    return;
+  }
+  auto rs = db_.CreateCommand(*sql, 1)->OpenRecordset();
   const std::string error = db_.Error().Description();
   if (!error.empty()) {
     mrvk::MsgBox(error, mrvk::msgbox::kCritical, "");

@@ -550,6 +550,19 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
       state["IsDirty"] = dirty;
       state["GetID"] = id;
     }
+    // What the find and filter dialog offers: the declared fields by caption and type, each
+    // with its operators. Their columns stay with the screen.
+    std::vector<mrvk::SearchField> fields;
+    if (Status st = host_->search_fields(*s, fields); !st.ok()) return Failed(st.message());
+    json search = json::array();
+    for (const mrvk::SearchField& f : fields) {
+      const char* type = f.type == mrvk::SearchType::kDate     ? "date"
+                         : f.type == mrvk::SearchType::kNumber ? "number"
+                                                               : "text";
+      search.push_back(
+          {{"caption", f.caption}, {"type", type}, {"operators", mrvk::SearchOperators(f.type)}});
+    }
+    state["search_fields"] = std::move(search);
     return Done(state);
   }
 

@@ -115,10 +115,29 @@ TEST_P(PickerTest, ATypedCodeOrNameIsCheckedAndAQuoteNeverBreaksTheStatement) {
   EXPECT_EQ(host().ui().shown.size(), 3u);
 }
 
-TEST_P(PickerTest, SpliceTypedQuotesEveryAtAndLeavesTypedAtsAlone) {
-  EXPECT_EQ(SpliceTyped("a='@' or b='@'", "it's"), "a='it''s' or b='it''s'");
-  EXPECT_EQ(SpliceTyped("a='@' or b='@'", "@x"), "a='@x' or b='@x'");
-  EXPECT_EQ(SpliceTyped("no marks", "x"), "no marks");
+TEST(SpliceTyped, QuotesEveryAtAndRefusesAnAtOutsideQuotes) {
+  struct Case {
+    const char* sql;
+    const char* typed;
+    const char* want;  // nullptr: refused
+  } cases[] = {
+      {"a='@' or b='@'", "it's", "a='it''s' or b='it''s'"},
+      {"a='@' or b='@'", "@x", "a='@x' or b='@x'"},
+      {"a like 'x''@%'", "1", "a like 'x''1%'"},
+      {"no marks", "x", "no marks"},
+      {"a=@", "0 or 1=1", nullptr},
+      {"a='x''' or b=@", "1", nullptr},
+  };
+  for (const Case& c : cases) {
+    std::string refusal;
+    const std::optional<std::string> got = SpliceTyped(c.sql, c.typed, refusal);
+    if (c.want) {
+      EXPECT_EQ(got.value_or("refused: " + refusal), c.want) << c.sql;
+    } else {
+      EXPECT_FALSE(got) << c.sql;
+      EXPECT_EQ(refusal, std::string("选择列表的语句中“@”不在引号内，未执行：") + c.sql);
+    }
+  }
 }
 
 TEST_P(PickerTest, AFieldsListOffersTheTableByCodeAndAChoiceFillsTextAndValue) {
@@ -209,20 +228,36 @@ TEST_P(PickerTest, TheStatementPickerChecksByItsConditionAndListsInOrder) {
   EXPECT_EQ(text, "");
 }
 
-TEST_P(PickerTest, AFailingStatementIsSaidAndLeavesTheFieldAsItWas) {
-  mrvk::IHostPicker& p = Service("sel_inner_j");
-  p.Parameters().Item("FieldName").Value = "分租房间";
-  p.Parameters().Item("SQL").Value = " select AutoID,房间号 from fwfy_fz where 没有这列=1";
-  p.Parameters().Item("Valid").Value = " 房间号='@'";
-  p.Parameters().Item("Order").Value = " 房间号";
-  Variant value = Variant(5);
-  std::string text = "A";
-  host().ui().answers.push_back(mrvk::msgbox::kOk);
-  EXPECT_FALSE(Validate(p, "101", value, text));
-  EXPECT_EQ(value.ToDouble(), 5);
-  EXPECT_EQ(text, "A");
-  ASSERT_EQ(host().ui().shown.size(), 1u);
-  EXPECT_EQ(host().ui().shown[0].prompt.rfind("错误：", 0), 0u) << host().ui().shown[0].prompt;
+TEST_P(PickerTest, AFailingOrRefusedStatementIsSaidAndLeavesTheFieldAsItWas) {
+  Exec("insert into fwfy_fz (AutoID,房源ID,房间号) values (1,5,'101')");
+  struct Case {
+    const char* sql;
+    const char* valid;
+    const char* said;
+  } cases[] = {
+      {" select AutoID,房间号 from fwfy_fz where 没有这列=1", " 房间号='@'", "没有这列"},
+      // An @ outside quotes would run the typed text as SQL: refused before anything runs.
+      {" select AutoID,房间号 from fwfy_fz where 1=1", " 房间号=@",
+       "错误：选择列表的语句中“@”不在引号内，未执行： 房间号=@"},
+  };
+  for (const Case& c : cases) {
+    mrvk::IHostPicker& p = Service("sel_inner_j");
+    p.Parameters().Item("FieldName").Value = "分租房间";
+    p.Parameters().Item("SQL").Value = c.sql;
+    p.Parameters().Item("Valid").Value = c.valid;
+    p.Parameters().Item("Order").Value = " 房间号";
+    Variant value = Variant(5);
+    std::string text = "A";
+    host().ui().shown.clear();
+    host().ui().answers.push_back(mrvk::msgbox::kOk);
+    EXPECT_FALSE(Validate(p, "'0' or 1=1", value, text));
+    EXPECT_EQ(value.ToDouble(), 5);
+    EXPECT_EQ(text, "A");
+    ASSERT_EQ(host().ui().shown.size(), 1u);
+    const std::string& prompt = host().ui().shown[0].prompt;
+    EXPECT_EQ(prompt.rfind("错误：", 0), 0u) << prompt;
+    EXPECT_NE(prompt.find(c.said), std::string::npos) << prompt;
+  }
 }
 
 TEST_P(PickerTest, TheRoomsOfOneUnit) {

@@ -176,13 +176,69 @@ TEST_P(ProtocolTest, BadRequestsGetAClearErrorAndChangeNothing) {
   EXPECT_EQ(Count(), "0");
 }
 
-TEST_P(ProtocolTest, FindPassesTheConditionArray) {
+// A condition row as the find dialog sends it, on both planes.
+json Conditions(const std::string& value, const std::string& field, const std::string& op) {
+  const json row = json::array({value, field, op});
+  return json::array({json::array({row}), json::array({row})});
+}
+
+TEST_P(ProtocolTest, FindOffersAndTakesTheDeclaredFieldsOnly) {
   const int s = OpenProbe();
-  json cond = json::array({json::array({json::array({"", "业主名称 like", 8})}),
-                           json::array({json::array({"张", "业主名称 like", 8})})});
-  json a = Send({{"op", "call"}, {"screen", s}, {"method", "Find"}, {"args", {cond}}});
+  json a = Send({{"op", "state"}, {"screen", s}});
   ASSERT_TRUE(a["ok"].get<bool>()) << a.dump();
-  EXPECT_EQ(a["events"][0]["args"][0], " 业主名称 like '%张%' ");
+  const json text_ops = json::array({"=", "<>", ">", ">=", "<", "<=", "like"});
+  const json other_ops = json::array({"=", "<>", ">", ">=", "<", "<="});
+  EXPECT_EQ(a["result"]["search_fields"],
+            json::array({{{"caption", "名称"}, {"type", "text"}, {"operators", text_ops}},
+                         {{"caption", "编号"}, {"type", "text"}, {"operators", text_ops}},
+                         {{"caption", "类型"}, {"type", "number"}, {"operators", other_ops}},
+                         {{"caption", "合同日期"}, {"type", "date"}, {"operators", other_ops}}}));
+
+  a = Send({{"op", "call"}, {"screen", s}, {"method", "FileSave"}});
+  ASSERT_EQ(a["pending"]["kind"], "inputbox") << a.dump();
+  a = Send({{"op", "answer"}, {"value", "O'Brien"}});
+  ASSERT_EQ(a["result"], true) << a.dump();
+  const std::string count = Count();
+
+  // A text with a quote finds its row; a typed date is written in the engine's form.
+  const struct {
+    const char* method;
+    json conditions;
+    const char* names;
+  } finds[] = {
+      {"Find", Conditions("O'Brien", "名称", "="), "O'Brien;"},
+      {"Filter", Conditions("Brien", "名称", "like"), "O'Brien;"},
+      {"Find", Conditions("2012-1-5", "合同日期", "<"), ""},
+  };
+  for (const auto& f : finds) {
+    a = Send({{"op", "call"}, {"screen", s}, {"method", f.method}, {"args", {f.conditions}}});
+    ASSERT_EQ(a["result"], true) << a.dump();
+    EXPECT_EQ(a["events"][0]["args"][0], f.names) << f.conditions;
+  }
+
+  // An undeclared field, a value that is no date, an unknown operator: refused before the
+  // screen is called, so nothing runs.
+  struct Case {
+    json conditions;
+    const char* error;
+  } cases[] = {
+      {Conditions("x", "1=0 union select pwhash from xt_user where username like", "="),
+       "查找条件中的字段“1=0 union select pwhash from xt_user where username like”不在可查找的"
+       "字段中"},
+      {Conditions("2012-01-01# or 1=1 or 合同日期>#2012-01-01", "合同日期", ">"),
+       "字段“合同日期”的值“2012-01-01# or 1=1 or 合同日期>#2012-01-01”不是日期"},
+      {Conditions("0", "类型", "> 0 or 1=1 or A.类型>"),
+       "查找条件中字段“类型”的运算符“> 0 or 1=1 or A.类型>”不可用，可用的有 = <> > >= < <="},
+  };
+  for (const Case& c : cases) {
+    a = Send({{"op", "call"}, {"screen", s}, {"method", "Find"}, {"args", {c.conditions}}});
+    ASSERT_FALSE(a["ok"].get<bool>()) << a.dump();
+    EXPECT_EQ(a["error"], c.error);
+    EXPECT_EQ(a["events"], json::array());
+  }
+  a = Send({{"op", "call"}, {"screen", s}, {"method", "ReturnPrintName"}});
+  EXPECT_EQ(a["result"], "Init Refresh DoGetFormStatus Find Find Find ");
+  EXPECT_EQ(Count(), count);
 }
 
 TEST_P(ProtocolTest, RandomRequestsNeverCrashOrChangeTheDatabase) {

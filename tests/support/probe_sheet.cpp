@@ -106,13 +106,17 @@ class ProbeSheet : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk:
     return true;
   }
   bool FileCancel() override { return true; }
-  bool Find(const Variant& conditions) override {
-    auto text = mrvk::ConditionText(conditions, 1, mrvk::IsJet(ctx_->Database()));
-    if (text) RaiseEvent("Message", mrvk::event_id::kMessage, {Variant(*text)});
-    return true;
+  // Parties by name, code, kind and the date of a contract of theirs.
+  std::vector<mrvk::SearchField> SearchFields() override {
+    return {{"名称", "A.业主名称", mrvk::SearchType::kText},
+            {"编号", "A.业主编号", mrvk::SearchType::kText},
+            {"类型", "A.类型", mrvk::SearchType::kNumber},
+            {"合同日期", "B.合同日期", mrvk::SearchType::kDate}};
   }
+  // Lists the names of the parties the conditions select, in a message.
+  bool Find(const Variant& conditions) override { return FindParties(conditions, /*plane=*/1); }
   bool FindNext() override { return false; }
-  bool Filter(const Variant&) override { return true; }
+  bool Filter(const Variant& conditions) override { return FindParties(conditions, /*plane=*/0); }
   bool Refresh() override {
     calls_ += "Refresh ";
     RaiseEvent("FormRefreshed", mrvk::event_id::kFormRefreshed);
@@ -143,6 +147,29 @@ class ProbeSheet : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk:
 
  private:
   std::string NewKey(int32_t& id);
+
+  bool FindParties(const Variant& conditions, int plane) {
+    calls_ += "Find ";
+    auto& db = ctx_->Database();
+    std::string refusal;
+    auto where = mrvk::ConditionText(conditions, plane, mrvk::IsJet(db), SearchFields(), refusal);
+    if (!refusal.empty()) {
+      RaiseEvent("ErrMessage", mrvk::event_id::kErrMessage,
+                 {Variant(refusal), Variant(2), Variant("探针")});
+      return false;
+    }
+    if (!where || where->empty()) return true;
+    auto rs = db.CreateCommand(
+                    "select A.业主名称 from fwyz A left join fwhd B on B.客户ID=A.业主ID"
+                    " where" +
+                        *where + " order by A.业主名称",
+                    1)
+                  ->OpenRecordset();
+    std::string names;
+    for (; !rs->Eof(); rs->MoveNext()) names += rs->Fields(0).Value.ToString() + ";";
+    RaiseEvent("Message", mrvk::event_id::kMessage, {Variant(names)});
+    return db.Error().Description().empty();
+  }
 
   // Opens the entry dialog; a saved party is announced by a message.
   void Cmd_Click() {

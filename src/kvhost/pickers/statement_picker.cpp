@@ -9,11 +9,24 @@
 
 namespace kvhost {
 
-std::string SpliceTyped(const std::string& sql, const std::string& typed) {
-  std::string out = sql;
+std::optional<std::string> SpliceTyped(const std::string& sql, const std::string& typed,
+                                       std::string& refusal) {
+  refusal.clear();
   const std::string escaped = mrvk::SqlText(typed);
-  for (size_t at = out.find('@'); at != std::string::npos; at = out.find('@', at + escaped.size()))
-    out.replace(at, 1, escaped);
+  std::string out;
+  out.reserve(sql.size() + escaped.size());
+  bool quoted = false;  // a doubled quote inside a text closes and opens it again
+  for (char c : sql) {
+    if (c == '\'') quoted = !quoted;
+    if (c != '@') {
+      out.push_back(c);
+    } else if (quoted) {
+      out += escaped;
+    } else {
+      refusal = "选择列表的语句中“@”不在引号内，未执行：" + sql;
+      return std::nullopt;
+    }
+  }
   return out;
 }
 
@@ -52,7 +65,13 @@ bool StatementPicker::Validate(const std::string&, const std::string& value_colu
                                const std::string& text_column, const std::string& input,
                                mrvk::Variant& value, std::string& text) {
   const ListStatement list = builder_(parameters_);
-  std::string sql = list.select + " and (" + SpliceTyped(list.valid, input) + ")";
+  std::string refusal;
+  const std::optional<std::string> valid = SpliceTyped(list.valid, input, refusal);
+  if (!valid) {
+    mrvk::MsgBox("错误：" + refusal, mrvk::msgbox::kCritical, "");
+    return false;
+  }
+  std::string sql = list.select + " and (" + *valid + ")";
   if (!list.order.empty()) sql += " order by " + list.order;
   std::vector<std::string> names;
   mrvk::RowsArray rows;

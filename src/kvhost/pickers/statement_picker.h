@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,8 +17,10 @@
 namespace kvhost {
 
 // Every @ of sql replaced by the typed text with its single quotes doubled, so that nothing
-// typed can change the statement.
-std::string SpliceTyped(const std::string& sql, const std::string& typed);
+// typed can change the statement. An @ outside single quotes would make the text SQL: such a
+// statement is refused, nullopt with the reason in `refusal`, and must not run.
+std::optional<std::string> SpliceTyped(const std::string& sql, const std::string& typed,
+                                       std::string& refusal);
 
 // What a host picker lists.
 struct ListStatement {

@@ -40,12 +40,6 @@ struct FeeTerm {
   std::string tail;
 };
 
-void AppendQuotedDate(std::string& out, Date d) {
-  out += '\'';
-  out += d.ToText();
-  out += '\'';
-}
-
 void AppendInteger(std::string& out, int64_t value) {
   char buf[24];
   const auto res = std::to_chars(buf, buf + sizeof buf, value);
@@ -183,11 +177,12 @@ bool BuildSchedule(IHostDatabase& db, IHostBillData& bill, int32_t contract_id, 
       sql += kInsertHead;
       AppendInteger(sql, key);
       sql += term.before_dates;
-      AppendQuotedDate(sql, p.due);
+      // The schedule's dates stand in single quotes in both dialects.
+      AppendDateLiteral(sql, p.due, /*jet=*/false);
       sql += ',';
-      AppendQuotedDate(sql, p.start);
+      AppendDateLiteral(sql, p.start, /*jet=*/false);
       sql += ',';
-      AppendQuotedDate(sql, p.end);
+      AppendDateLiteral(sql, p.end, /*jet=*/false);
       sql += term.after_dates;
       sql += p.last ? '1' : '0';
       sql += term.tail;

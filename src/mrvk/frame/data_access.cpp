@@ -16,13 +16,40 @@ std::string SqlText(std::string_view text) {
 
 std::string SqlQuoted(std::string_view text) { return "'" + SqlText(text) + "'"; }
 
+std::string SqlNumber(std::string_view text) { return NumberText(Val(text)); }
+
+void AppendDateLiteral(std::string& out, Date date, bool jet) {
+  const char quote = jet ? '#' : '\'';
+  out += quote;
+  out += date.ToText();
+  out += quote;
+}
+
+std::string DateLiteral(Date date, bool jet) {
+  std::string out;
+  AppendDateLiteral(out, date, jet);
+  return out;
+}
+
 bool IsJet(const IHostDatabase& db) {
   return db.Properties().Item("driver").Value.ToString() == "jet";
 }
 
-std::string DateLiteral(const IHostDatabase& db, std::string_view date_text) {
-  const char* quote = IsJet(db) ? "#" : "'";
-  return quote + SqlText(Trim(date_text)) + quote;
+std::string DateLiteral(const IHostDatabase& db, Date date) { return DateLiteral(date, IsJet(db)); }
+
+std::optional<std::string> SqlValue(std::string_view typed, SearchType type, bool jet) {
+  switch (type) {
+    case SearchType::kNumber:
+      return SqlNumber(typed);
+    case SearchType::kDate: {
+      const std::optional<Date> date = ParseDate(typed);
+      if (!date) return std::nullopt;
+      return DateLiteral(*date, jet);
+    }
+    case SearchType::kText:
+      break;
+  }
+  return SqlQuoted(typed);
 }
 
 std::string ScalarText(IHostDatabase& db, const std::string& sql) {

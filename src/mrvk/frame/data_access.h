@@ -1,13 +1,17 @@
-// The module's side of data access: the one quoting helper for spliced text, the dialect
-// test, date literals, scalar reads and the revision suffix of document numbers.
+// The module's side of data access: the one writer of values into SQL, the dialect test,
+// scalar reads and the revision suffix of document numbers.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "mrvk/frame/host_contract.h"
 
 namespace mrvk {
+
+// The one writer of values into SQL: texts quoted, numbers through Val, dates from a parsed
+// date in the dialect's form. Nothing typed reaches a statement any other way.
 
 // A text made safe to stand between single quotes in a statement: every single quote is
 // doubled. Every text a user typed goes through here before it is spliced into SQL.
@@ -16,13 +20,23 @@ std::string SqlText(std::string_view text);
 // The text between single quotes: "'" + SqlText(text) + "'".
 std::string SqlQuoted(std::string_view text);
 
+// A typed number as SQL: Val of the text written by NumberText ("12abc" -> 12, "x" -> 0).
+std::string SqlNumber(std::string_view text);
+
+// A date as a literal of the dialect: #yyyy-mm-dd# on Jet, 'yyyy-mm-dd' otherwise.
+std::string DateLiteral(Date date, bool jet);
+void AppendDateLiteral(std::string& out, Date date, bool jet);
+
 // The dialect test, made anew at each use: true when the connection property "driver" is
 // exactly "jet" (so "Jet" or "jet 4.0" select the server dialect).
 bool IsJet(const IHostDatabase& db);
 
-// A date value as a literal of the connection's dialect: #yyyy-mm-dd# on Jet, 'yyyy-mm-dd'
-// otherwise. The text is spliced as it stands (trimmed); callers pass dates they checked.
-std::string DateLiteral(const IHostDatabase& db, std::string_view date_text);
+// DateLiteral in the dialect of db's connection.
+std::string DateLiteral(const IHostDatabase& db, Date date);
+
+// A typed value of a search field's type as SQL (SqlQuoted, SqlNumber, DateLiteral); nullopt
+// for a date value that ParseDate does not read as a date.
+std::optional<std::string> SqlValue(std::string_view typed, SearchType type, bool jet);
 
 // Reads one value: CreateCommand, ExecuteScalar, joined with "" (Null and Empty give "").
 // A failed statement gives "" and leaves its text in db.Error().

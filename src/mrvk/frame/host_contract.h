@@ -259,6 +259,18 @@ class IParameters {
 
 // ---- Class interfaces --------------------------------------------------------------------
 
+// How a typed value of a searchable field is written into SQL (data_access.h, SqlValue).
+enum class SearchType { kText, kNumber, kDate };
+
+// A field a screen can be found and filtered by: the caption the clerk chooses, the column or
+// expression of the screen's statement that goes into SQL (written by the screen, never typed)
+// and the type of its values.
+struct SearchField {
+  std::string caption;
+  std::string column;
+  SearchType type = SearchType::kText;
+};
+
 // Every object the host creates by class name. Events go to the sink the host attaches.
 class ModuleObject {
  public:
@@ -318,6 +330,8 @@ class IFormUI {
   virtual void DoGetFormStatus() = 0;
   virtual void DoSaveFormStatus() = 0;
   virtual std::string Attributes(int32_t key) = 0;
+  // The fields Find and Filter may name; none by default (the screen finds on its own).
+  virtual std::vector<SearchField> SearchFields() { return {}; }
 };
 
 class IReportUI {
@@ -343,6 +357,8 @@ class IReportUI {
   virtual std::string Attributes(int32_t key) = 0;
   virtual std::shared_ptr<IParameters> GetParameters() = 0;
   virtual void SetParameters(std::shared_ptr<IParameters> parameters) = 0;
+  // The fields Find and Filter may name; none by default (the report finds on its grid).
+  virtual std::vector<SearchField> SearchFields() { return {}; }
 };
 
 class IToolUI {
@@ -375,10 +391,18 @@ class IFormToolUI {
   virtual bool Action(const std::string& key) = 0;
 };
 
-// The Find/Filter condition array turned into SQL: " field op 'value' and ..." with the
-// leading " and" dropped. `plane` is 0 for Filter, 1 for Find. Returns nullopt when the
-// argument is Empty, Null or no array (nothing happens then); an array whose rows all have
-// empty values gives "".
-std::optional<std::string> ConditionText(const Variant& conditions, int plane, bool jet);
+// The operators a condition on a field of the type may use: = <> > >= < <=, and like on texts.
+const std::vector<std::string>& SearchOperators(SearchType type);
+
+// The Find/Filter condition array turned into SQL: A(plane, row, column), plane 0 for Filter
+// and 1 for Find; column 0 the typed value, 1 the caption of a declared search field, 2 the
+// operator (SearchOperators of the field's type). Each row with a value adds
+// " and " + column + operator + the value written by SqlValue; the leading " and" is dropped.
+// Returns nullopt when the argument is Empty or Null (nothing happens then), and when the
+// array is refused: a row naming an undeclared field or an unknown operator, a date value that
+// is no date, a malformed array. Then `refusal` says why, for the clerk, and nothing may run.
+std::optional<std::string> ConditionText(const Variant& conditions, int plane, bool jet,
+                                         const std::vector<SearchField>& fields,
+                                         std::string& refusal);
 
 }  // namespace mrvk

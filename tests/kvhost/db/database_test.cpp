@@ -35,7 +35,8 @@ TEST_P(DatabaseTest, DriverPropertySelectsTheDialect) {
   EXPECT_EQ(db().Properties().Item("driver").Value.ToString(), is_pg() ? "postgresql" : "jet");
   EXPECT_EQ(mrvk::IsJet(db()), !is_pg());
   EXPECT_TRUE(db().Properties().Item("no such").Value.IsEmpty());
-  EXPECT_EQ(mrvk::DateLiteral(db(), " 2012-10-11 "), is_pg() ? "'2012-10-11'" : "#2012-10-11#");
+  EXPECT_EQ(mrvk::DateLiteral(db(), mrvk::Date::FromYmd(2012, 10, 11)),
+            is_pg() ? "'2012-10-11'" : "#2012-10-11#");
 }
 
 TEST_P(DatabaseTest, ScalarReadWithNoRowGivesEmptyTextAndZero) {
@@ -128,7 +129,7 @@ TEST_P(DatabaseTest, ValuesReadBackTheSameOnBothEngines) {
   EXPECT_EQ(rs->Fields("收款期间").Value.ToString(), "3");
   EXPECT_EQ(rs->Fields("合同ID").Value.type(), mrvk::Variant::Type::Long);
   // Dates compare as dates with either dialect's literal.
-  const std::string lit = mrvk::DateLiteral(db(), "2012-04-01");
+  const std::string lit = mrvk::DateLiteral(db(), mrvk::Date::FromYmd(2012, 4, 1));
   EXPECT_EQ(Scalar("select count(*) from fwhdfs_sk where 收款日期<" + lit), "1");
 }
 

@@ -143,32 +143,72 @@ Variant Conditions(std::vector<std::vector<std::vector<Variant>>> planes) {
   return Variant(a);
 }
 
-TEST(ConditionText, BuildsTheFindAndFilterClauses) {
+const std::vector<SearchField> kContractFields = {
+    {"合同编号", "A.合同编号", SearchType::kText},
+    {"合同日期", "A.合同日期", SearchType::kDate},
+    {"月租金", "A.月租金", SearchType::kNumber},
+};
+
+TEST(ConditionText, WritesDeclaredColumnsAndTypedValues) {
   Variant a = Conditions({
-      {{"", "合同编号 like", 8}, {"", "合同日期>=", 7}, {"", "progid=", 3}},
-      {{" HT01 ", "合同编号 like", 8}, {"2012-01-01", "合同日期>=", 7}, {"", "progid=", 3}},
+      {{"", "合同编号", "like"},
+       {"2012-5-1", "合同日期", "<"},
+       {"", "月租金", ">"},
+       {"", "合同编号", "="}},
+      {{" HT'01 ", "合同编号", "like"},
+       {"2012-01-01", "合同日期", ">="},
+       {"12abc", "月租金", ">"},
+       {"x' or '1'='1", "合同编号", "="}},
   });
-  EXPECT_EQ(*ConditionText(a, /*plane=*/1, /*jet=*/true),
-            " 合同编号 like '%HT01%'  and 合同日期>=#2012-01-01#");
-  EXPECT_EQ(*ConditionText(a, /*plane=*/1, /*jet=*/false),
-            " 合同编号 like '%HT01%'  and 合同日期>='2012-01-01'");
-  // The filter plane is empty: nothing is added, and the text is empty.
-  EXPECT_EQ(*ConditionText(a, /*plane=*/0, /*jet=*/true), "");
-  EXPECT_FALSE(ConditionText(Variant(), 1, true));
-  EXPECT_FALSE(ConditionText(Variant::Null(), 1, true));
+  std::string refusal;
+  EXPECT_EQ(*ConditionText(a, /*plane=*/1, /*jet=*/true, kContractFields, refusal),
+            " A.合同编号 like '%HT''01%' and A.合同日期>=#2012-01-01# and A.月租金>12 and "
+            "A.合同编号='x'' or ''1''=''1'");
+  EXPECT_EQ(*ConditionText(a, /*plane=*/0, /*jet=*/false, kContractFields, refusal),
+            " A.合同日期<'2012-05-01'");
+  EXPECT_EQ(refusal, "");
+  // Empty and Null change nothing; rows without values give an empty text.
+  EXPECT_FALSE(ConditionText(Variant(), 1, true, kContractFields, refusal));
+  EXPECT_FALSE(ConditionText(Variant::Null(), 1, true, kContractFields, refusal));
+  EXPECT_EQ(refusal, "");
+  Variant blank =
+      Conditions({{{"", "合同编号", "="}, {"", "", ""}}, {{" ", "月租金", "<"}, {"", "", ""}}});
+  EXPECT_EQ(*ConditionText(blank, /*plane=*/1, /*jet=*/true, kContractFields, refusal), "");
 }
 
-TEST(ConditionText, FilterReadsTheDateTypeFromTheFindPlane) {
-  Variant a = Conditions({
-      {{"2012-05-01", "合同日期<", ""}},
-      {{"", "合同日期<", 7}},
-  });
-  EXPECT_EQ(*ConditionText(a, /*plane=*/0, /*jet=*/true), " 合同日期<#2012-05-01#");
-}
-
-TEST(ConditionText, ATypedQuoteCannotBreakTheStatement) {
-  Variant a = Conditions({{{"x' or '1'='1", "业主名称=", 8}}, {{"", "", 8}}});
-  EXPECT_EQ(*ConditionText(a, /*plane=*/0, /*jet=*/true), " 业主名称='x'' or ''1''=''1'");
+TEST(ConditionText, RefusesWhatNoScreenDeclared) {
+  struct Case {
+    Variant value, field, op;
+    const char* refusal;
+  } cases[] = {
+      {Variant("x"), Variant("1=0 union select pwhash from xt_user where username like"),
+       Variant("="),
+       "查找条件中的字段“1=0 union select pwhash from xt_user where username like”不在可查找的"
+       "字段中"},
+      {Variant("2012-01-01# or 1=1 or 合同日期>#2012-01-01"), Variant("合同日期"), Variant("="),
+       "字段“合同日期”的值“2012-01-01# or 1=1 or 合同日期>#2012-01-01”不是日期"},
+      {Variant("1"), Variant("月租金"), Variant("=1 or 1="),
+       "查找条件中字段“月租金”的运算符“=1 or 1=”不可用，可用的有 = <> > >= < <="},
+      {Variant("2012"), Variant("合同日期"), Variant("like"),
+       "查找条件中字段“合同日期”的运算符“like”不可用，可用的有 = <> > >= < <="},
+      // The field with its operator and a type code, as conditions were once written.
+      {Variant("HT"), Variant("合同编号 like"), Variant(8),
+       "查找条件中的字段“合同编号 like”不在可查找的字段中"},
+      // A caption is matched as declared; a column name is not a caption.
+      {Variant(""), Variant("A.合同编号"), Variant("="),
+       "查找条件中的字段“A.合同编号”不在可查找的字段中"},
+  };
+  for (const Case& c : cases) {
+    std::string refusal;
+    Variant a = Conditions({{{c.value, c.field, c.op}}, {{c.value, c.field, c.op}}});
+    EXPECT_FALSE(ConditionText(a, /*plane=*/1, /*jet=*/true, kContractFields, refusal));
+    EXPECT_EQ(refusal, c.refusal);
+  }
+  // An array without the find plane.
+  std::string refusal;
+  Variant one_plane = Conditions({{{"HT", "合同编号", "="}}});
+  EXPECT_FALSE(ConditionText(one_plane, /*plane=*/0, /*jet=*/true, kContractFields, refusal));
+  EXPECT_EQ(refusal, "查找条件的格式不对：应为（值，字段，运算符）的条件行");
 }
 
 TEST(Parameters, KeysWithoutRegardToCase) {

@@ -1027,7 +1027,8 @@ async function toolbarCommand(tab, cmd) {
     }
     let args = [];
     if (cmd === 'Find' || cmd === 'Filter') {
-      const cond = await findLayer(cmd === 'Find' ? '查找' : '过滤');
+      const cond = await findLayer(cmd === 'Find' ? '查找' : '过滤',
+                                   (tab.state && tab.state.search_fields) || []);
       if (cond === undefined) return;
       args = [cond];
     }
@@ -1151,40 +1152,51 @@ function exportLayer(grids) {
 // The host's find and filter dialog: rows of field, operator and value, as the condition
 // array the sheets take (plane 0 filter, plane 1 find). Without a field the screen asks
 // for itself (a tree sheet's find asks for a node name).
-function findLayer(title) {
+// The find and filter dialog: rows of a field the screen declared (by caption), one of that
+// field's operators and a value. A screen that declares no fields finds on its own (a tree
+// asks for a node name), so it gets no dialog. Resolves to the condition array (value,
+// caption, operator on both planes), null for no conditions, undefined when cancelled.
+function findLayer(title, fields) {
+  if (!fields.length) return Promise.resolve(null);
   return new Promise((resolve) => {
     const rows = el('div', { class: 'find-rows' });
     const addRow = () => {
-      const field = el('input', { type: 'text', placeholder: '字段（如 合同编号）', class: 'find-field' });
-      const op = el('select', { class: 'find-op' },
-        ['like', '=', '>=', '<=', '>', '<', '<>'].map((o) => el('option', { value: o, text: o })));
+      const field = el('select', { class: 'find-field', 'aria-label': '字段' },
+        fields.map((f, i) => el('option', { value: String(i), text: f.caption })));
+      const op = el('select', { class: 'find-op', 'aria-label': '条件' });
       const value = el('input', { type: 'text', placeholder: '值', class: 'find-value' });
-      const date = el('label', null, el('input', { type: 'checkbox', class: 'find-date' }), '日期');
-      rows.append(el('div', { class: 'find-row' }, field, op, value, date));
+      const offer = () => {
+        const f = fields[Number(field.value)];
+        const kept = op.value;
+        op.replaceChildren(...f.operators.map((o) => el('option', { value: o, text: o })));
+        if (f.operators.includes(kept)) op.value = kept;
+        value.placeholder = f.type === 'date' ? '日期，如 2012-01-31' : f.type === 'number' ? '数值' : '值';
+      };
+      field.addEventListener('change', offer);
+      offer();
+      rows.append(el('div', { class: 'find-row' }, field, op, value));
     };
     addRow();
     let close;
     const ok = () => {
       const conds = [];
       for (const r of rows.children) {
-        const f = r.querySelector('.find-field').value.trim();
         const v = r.querySelector('.find-value').value;
-        if (!f) continue;
-        const type = r.querySelector('.find-date').checked ? 7 : 8;
-        conds.push([v, f + ' ' + r.querySelector('.find-op').value, type]);
+        if (!v.trim()) continue;
+        const f = fields[Number(r.querySelector('.find-field').value)];
+        conds.push([v, f.caption, r.querySelector('.find-op').value]);
       }
       close();
       resolve(conds.length ? [conds, conds] : null);
     };
     ({ close } = openLayer({
       title, name: 'find',
-      body: [el('div', { class: 'hint', text: '不填字段时由界面自行询问。' }), rows,
-             el('button', { type: 'button', text: '添加条件', onclick: addRow })],
+      body: [rows, el('button', { type: 'button', text: '添加条件', onclick: addRow })],
       buttons: [el('button', { type: 'button', text: '确定', onclick: ok }),
                 el('button', { type: 'button', text: '取消', onclick: () => { close(); resolve(undefined); } })],
       onClose: () => resolve(undefined),
     }));
-    rows.querySelector('input').focus();
+    rows.querySelector('.find-value').focus();
   });
 }
 
