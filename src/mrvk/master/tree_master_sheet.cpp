@@ -266,6 +266,8 @@ bool TreeMasterSheet::FileSave() {
         if (current_id_ < 1) current_id_ = id;
         saved = true;
       } else {
+        // The engine refused the commit (an I/O failure) and undid the bracket; the node
+        // stays until the next refresh, the sheet stays in edit mode with what was typed.
         ErrMessage("保存数据时出错：" + db.Error().Description(), err_level::kDatabase,
                    design_.title);
       }
