@@ -2,6 +2,7 @@
 // a cluster, a fresh PostgreSQL schema in it (scripts/bench.sh starts one).
 #pragma once
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -11,6 +12,13 @@
 #include "kvhost/host.h"
 
 namespace mrvk_bench {
+
+// A setup step that must succeed: a benchmark on a half-built database measures nothing.
+inline void Must(const kvhost::Status& s, const char* what) {
+  if (s.ok()) return;
+  std::fprintf(stderr, "%s: %s\n", what, s.message().c_str());
+  std::exit(1);
+}
 
 inline std::string SqliteUrl(const std::string& name) {
   const auto file = std::filesystem::temp_directory_path() / ("mrvk_bench_" + name + ".sqlite3");
@@ -26,8 +34,8 @@ inline std::string PgUrl(const std::string& name) {
   auto admin = kvhost::db::PgConnection::Open(base, error);
   if (!admin) return "";
   const std::string schema = "bench_" + name;
-  admin->ExecuteRaw("DROP SCHEMA IF EXISTS " + schema + " CASCADE");
-  admin->ExecuteRaw("CREATE SCHEMA " + schema);
+  Must(admin->ExecuteRaw("DROP SCHEMA IF EXISTS " + schema + " CASCADE"), "drop schema");
+  Must(admin->ExecuteRaw("CREATE SCHEMA " + schema), "create schema");
   std::string url = base;
   return url + (url.find('?') == std::string::npos ? "?" : "&") + "options=-csearch_path%3D" +
          schema;
@@ -36,7 +44,7 @@ inline std::string PgUrl(const std::string& name) {
 inline std::unique_ptr<kvhost::Host> OpenHost(const std::string& url) {
   auto host = std::make_unique<kvhost::Host>(kvhost::HostConfig{
       .database = url, .user = "bench", .login_date = "2012-10-11", .app_path = "."});
-  if (host->status().ok()) host->create_schema();
+  if (host->status().ok()) Must(host->create_schema(), "create schema");
   return host;
 }
 

@@ -34,17 +34,19 @@ double PeakMegabytes() {
 std::unique_ptr<kvhost::Host> ReportHost() {
   auto host = mrvk_bench::OpenHost(mrvk_bench::SqliteUrl("grid"));
   auto& connection = host->database().connection();
-  connection.ExecuteRaw(
-      "create table bench_report as with recursive n(i) as (select 1 union all select i + 1 "
-      "from n where i < " +
-      std::to_string(kRows) +
-      ") select '片区' || (i % 20) as 片区, '楼宇' || (i % 300) as 楼宇, "
-      "printf('FY%06d', i) as 编号, '房源名称' || i as 名称, '租户' || (i % 5000) as 租户, "
-      "printf('1380013%04d', i % 10000) as 电话, date('2012-01-01', '+' || (i % 365) || ' "
-      "days') as 起始日期, date('2013-01-01', '+' || (i % 365) || ' days') as 终止日期, "
-      "(i % 3000) + 0.5 as 租金, (i % 7) * 100 as 押金, (i % 11) * 10.25 as 物业费, (i % 150) "
-      "+ 20.75 as 面积, '生效' as 状态, case when i % 9 = 0 then '续租' else '' end as 备注 "
-      "from n order by i % 20, i");
+  mrvk_bench::Must(
+      connection.ExecuteRaw(
+          "create table bench_report as with recursive n(i) as (select 1 union all select i + 1 "
+          "from n where i < " +
+          std::to_string(kRows) +
+          ") select '片区' || (i % 20) as 片区, '楼宇' || (i % 300) as 楼宇, "
+          "printf('FY%06d', i) as 编号, '房源名称' || i as 名称, '租户' || (i % 5000) as 租户, "
+          "printf('1380013%04d', i % 10000) as 电话, date('2012-01-01', '+' || (i % 365) || ' "
+          "days') as 起始日期, date('2013-01-01', '+' || (i % 365) || ' days') as 终止日期, "
+          "(i % 3000) + 0.5 as 租金, (i % 7) * 100 as 押金, (i % 11) * 10.25 as 物业费, (i % 150) "
+          "+ 20.75 as 面积, '生效' as 状态, case when i % 9 = 0 then '续租' else '' end as 备注 "
+          "from n order by i % 20, i"),
+      "fill bench_report");
   return host;
 }
 

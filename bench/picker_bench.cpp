@@ -48,7 +48,7 @@ kvhost::Host* Filled(Engine engine) {
   }
   db.CommitTrans();
   if (engine == kSqliteAnalyzed || engine == kPostgresAnalyzed)
-    host->database().connection().ExecuteRaw("ANALYZE");
+    mrvk_bench::Must(host->database().connection().ExecuteRaw("ANALYZE"), "analyze");
   return hosts.emplace(engine, std::move(host)).first->second.get();
 }
 
@@ -83,9 +83,10 @@ void ValidateCode(benchmark::State& state, Engine engine) {
     std::string text;
     const std::string typed = Code(1 + (i++ * 7919) % kParties);
     bool found = false;
-    host->guarded("Validate", [&] { found = p->Validate("", "", "", typed, value, text); });
-    if (!found) {
-      state.SkipWithError(("not found: " + typed).c_str());
+    kvhost::Status st =
+        host->guarded("Validate", [&] { found = p->Validate("", "", "", typed, value, text); });
+    if (!st.ok() || !found) {
+      state.SkipWithError((st.ok() ? "not found: " + typed : st.message()).c_str());
       break;
     }
   }
@@ -105,7 +106,12 @@ void CheckField(benchmark::State& state, Engine engine) {
     mrvk::Variant value;
     std::string text;
     const std::string typed = Code(1 + (i++ * 7919) % kParties);
-    host->guarded("CheckPicker", [&] { host->context().CheckPicker(field, typed, value, text); });
+    kvhost::Status st = host->guarded(
+        "CheckPicker", [&] { host->context().CheckPicker(field, typed, value, text); });
+    if (!st.ok()) {
+      state.SkipWithError(st.message().c_str());
+      break;
+    }
     benchmark::DoNotOptimize(text);
   }
 }
@@ -118,7 +124,13 @@ void LoadCodeList(benchmark::State& state, Engine engine) {
   auto* picker = dynamic_cast<mrvk::IPickerUI*>(dynamic_cast<kvhost::ModulePicker*>(p)->Object());
   auto* list = dynamic_cast<mrvk::IPickerList*>(picker);
   picker->SetPickerParameters(std::make_shared<mrvk::IHostPickerParameters>(p->Parameters()));
-  for (auto _ : state) host->guarded("Refresh", [&] { picker->Refresh(); });
+  for (auto _ : state) {
+    kvhost::Status st = host->guarded("Refresh", [&] { picker->Refresh(); });
+    if (!st.ok()) {
+      state.SkipWithError(st.message().c_str());
+      break;
+    }
+  }
   state.counters["rows"] = list->ListGrid().Rows() - list->ListGrid().FixedRows();
 }
 
@@ -137,7 +149,11 @@ void ShowHostList(benchmark::State& state, Engine engine) {
     host->ui().dialogs.push_back(kvhost::ScriptedUi::CancelPicker());
     std::string text;
     mrvk::Variant value;
-    host->guarded("Show", [&] { p->Show(text, value); });
+    kvhost::Status st = host->guarded("Show", [&] { p->Show(text, value); });
+    if (!st.ok()) {
+      state.SkipWithError(st.message().c_str());
+      break;
+    }
   }
 }
 

@@ -108,8 +108,14 @@ void EngineAlone(benchmark::State& state, bool postgres, int rows_per_statement)
   RewrittenSql ins;
   ins.sql = head + Placeholders(postgres, rows_per_statement, 13);
   for (auto _ : state) {
-    conn.Begin();
-    conn.Execute(del, nullptr);
+    if (kvhost::Status s = conn.Begin(); !s.ok()) {
+      state.SkipWithError(s.message().c_str());
+      break;
+    }
+    if (kvhost::Status s = conn.Execute(del, nullptr); !s.ok()) {
+      state.SkipWithError(s.message().c_str());
+      break;
+    }
     for (size_t r = 0; r < rows.size(); r += static_cast<size_t>(rows_per_statement)) {
       ins.params.clear();
       for (size_t k = r; k < r + static_cast<size_t>(rows_per_statement); ++k)
@@ -120,7 +126,10 @@ void EngineAlone(benchmark::State& state, bool postgres, int rows_per_statement)
         break;
       }
     }
-    conn.Commit();
+    if (kvhost::Status s = conn.Commit(); !s.ok()) {
+      state.SkipWithError(s.message().c_str());
+      break;
+    }
   }
   state.counters["rows/s"] = benchmark::Counter(960.0 * static_cast<double>(state.iterations()),
                                                 benchmark::Counter::kIsRate);

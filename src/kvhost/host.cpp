@@ -19,35 +19,52 @@ mrvk::Date Today() {
 
 // One call into the module: the thread's UI port is set, and the writes the call makes
 // outside a bracket share one commit, which is made before any box waits for the user (so
-// no lock is held while someone reads a question) and when the call ends.
+// no lock is held while someone reads a question) and when the call ends. A call made while
+// a box of another call waits (a gesture on a shown dialog) is nested: it shares the outer
+// call's group.
+//
+// No box waits for an answer inside a bracket: the bracket's write lock would hold every
+// other clerk's save for as long as the person reads. Such a box is a run-time failure of
+// the procedure, whose handler rolls the bracket back.
 class CallScope : public mrvk::IUiPort {
  public:
-  CallScope(mrvk::IUiPort* port, db::Connection& conn)
-      : port_(port), conn_(conn), saved_(mrvk::CurrentUiPort()) {
+  CallScope(mrvk::IUiPort* port, db::Database& db, bool outermost)
+      : port_(port), db_(db), outermost_(outermost), saved_(mrvk::CurrentUiPort()) {
     mrvk::SetCurrentUiPort(this);
-    conn_.SetGroupCommit(true);
+    if (outermost_) db_.connection().SetGroupCommit(true);
   }
   ~CallScope() override {
-    conn_.SetGroupCommit(false);
+    if (outermost_) db_.connection().SetGroupCommit(false);
     mrvk::SetCurrentUiPort(saved_);
   }
   int MsgBox(const std::string& prompt, int flags, const std::string& title) override {
-    conn_.Flush();
+    BeforeBox("message box", prompt);
     return port_->MsgBox(prompt, flags, title);
   }
   std::optional<std::string> InputBox(const std::string& prompt, const std::string& title,
                                       const std::string& default_text) override {
-    conn_.Flush();
+    BeforeBox("input box", prompt);
     return port_->InputBox(prompt, title, default_text);
   }
   void ShowModal(mrvk::IModalForm& form) override {
-    conn_.Flush();
+    BeforeBox("dialog", form.Title());
     port_->ShowModal(form);
   }
 
  private:
+  void BeforeBox(const char* kind, const std::string& prompt) {
+    if (db_.InTransaction())
+      throw mrvk::VbError(mrvk::vb_error::kInvalidProcedureCall,
+                          std::string("a ") + kind +
+                              " cannot wait for an answer inside a transaction (" + prompt + ")");
+    if (Status s = db_.connection().Flush(); !s.ok())
+      throw mrvk::VbError(mrvk::vb_error::kInvalidProcedureCall,
+                          "the changes could not be committed: " + s.message());
+  }
+
   mrvk::IUiPort* port_;
-  db::Connection& conn_;
+  db::Database& db_;
+  bool outermost_;
   mrvk::IUiPort* saved_;
 };
 
@@ -120,8 +137,9 @@ Host::Host(HostConfig config) : config_(std::move(config)), status_(Status::Ok()
 }
 
 Host::~Host() {
-  // Screens still open are closed in the documented way.
-  while (!screens_.empty()) close(screens_.begin()->first);
+  // Screens still open are closed in the documented way. Their close has nobody left to
+  // report a failure to; the screen goes all the same.
+  while (!screens_.empty()) (void)close(screens_.begin()->first);
 }
 
 Status Host::create_schema() {
@@ -131,20 +149,44 @@ Status Host::create_schema() {
 
 Status Host::guard_call(const std::string& what, const std::function<void()>& fn) {
   if (!database_) return status_;
-  CallScope scope(ui_port_, database_->connection());
+  db::Database& db = *database_;
+  // A bracket open before the call (only possible for a nested call) is not this call's.
+  const bool open_before = db.InTransaction();
+  ++call_depth_;
+  struct Leave {
+    int& depth;
+    ~Leave() { --depth; }
+  } leave{call_depth_};
+  CallScope scope(ui_port_, db, /*outermost=*/call_depth_ == 1);
+  std::string failure;
   try {
     fn();
-    if (Status s = database_->connection().Flush(); !s.ok())
-      return Status::Error(what + ": the changes could not be committed: " + s.message());
-    return Status::Ok();
   } catch (const mrvk::VbError& e) {
-    return Status::Error(what + ": run-time failure " + std::to_string(e.Number()) + ": " +
-                         e.Description());
-  } catch (const UnscriptedBox& e) {
-    return Status::Error(what + ": " + e.what());
+    failure = "run-time failure " + std::to_string(e.Number()) + ": " + e.Description();
+  } catch (const mrvk::AbortSignal& e) {
+    // A nested call hands the signal on: the whole outer call ends, not only this step.
+    if (call_depth_ > 1) throw;
+    failure = e.Why();
   } catch (const std::exception& e) {
-    return Status::Error(what + ": " + e.what());
+    failure = e.what();
   }
+  // The edge of the call: a bracket the module left open is rolled back here, so its write
+  // lock never outlives the call, whatever way the call ended.
+  if (!open_before && db.InTransaction()) {
+    db.RollbackTrans();
+    const std::string undone = db.Error().Description();
+    failure = (failure.empty() ? "it ended with a transaction still open, which was rolled back"
+                               : failure + ". The transaction it left open was rolled back") +
+              ": none of its changes were saved" +
+              (undone.empty() ? "" : " (the rollback said: " + undone + ")");
+  }
+  if (call_depth_ == 1) {
+    if (Status s = db.connection().Flush(); !s.ok())
+      failure += (failure.empty() ? "" : ". ") +
+                 std::string("the changes could not be committed: ") + s.message();
+  }
+  if (failure.empty()) return Status::Ok();
+  return Status::Error(what + ": " + failure);
 }
 
 Screen* Host::open(const std::string& class_name, int32_t progID, int32_t record) {

@@ -36,10 +36,11 @@ struct ShownBox {
 };
 
 // Thrown by ScriptedUi when the module shows a box that the script did not answer: a test
-// that meets it has a wrong expectation, and the host turns it into an error answer.
-class UnscriptedBox : public std::runtime_error {
+// that meets it has a wrong expectation. No handler of the module catches it; the call ends
+// with it as its error answer.
+class UnscriptedBox : public mrvk::AbortSignal {
  public:
-  using std::runtime_error::runtime_error;
+  using mrvk::AbortSignal::AbortSignal;
 };
 
 // The UI port of tests and batch jobs: answers come from queues filled in advance.
@@ -131,6 +132,10 @@ class Host {
   Status gesture(ControlList& controls, const std::string& owner, const std::string& name,
                  int index, const Gesture& g);
 
+  // Runs fn as a call into the module: the UI port is set for the thread and the call's
+  // writes outside a bracket are grouped. A run-time failure or an abort that escapes the
+  // module becomes an error status; a bracket the call left open is rolled back, and the
+  // status says so.
   template <typename Fn>
   Status guarded(const std::string& what, Fn&& fn);
 
@@ -159,6 +164,7 @@ class Host {
   int next_screen_ = 0;
   std::vector<HostEvent> events_;
   std::string last_error_;
+  int call_depth_ = 0;  // calls into the module under way on this host (nested ones by a box)
 };
 
 template <typename Fn>

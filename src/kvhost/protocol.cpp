@@ -280,11 +280,10 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
           dialog_task_.reset();
         }
       }
+      // An abort (mrvk::AbortSignal) passes on: it ends the call that showed the dialog.
       json outcome;
       try {
         outcome = task();
-      } catch (const Aborted&) {
-        throw;
       } catch (const std::exception& e) {
         outcome = Fail(e.what());
       }
@@ -304,9 +303,11 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
     std::string default_text;
   };
 
-  class Aborted : public std::runtime_error {
+  // Ends the module's call when the driver closes while a box waits: nothing of the call runs
+  // on after the question nobody will answer.
+  class Aborted : public mrvk::AbortSignal {
    public:
-    Aborted() : std::runtime_error("the driver was closed while a box was waiting") {}
+    Aborted() : mrvk::AbortSignal("the driver was closed while a box was waiting") {}
   };
 
   mrvk::Variant WaitForAnswer(Pending p) {
@@ -336,6 +337,8 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
         result = task();
       } catch (const std::exception& e) {
         result = Fail(e.what());
+      } catch (const mrvk::AbortSignal& e) {
+        result = Fail(e.Why());
       }
       lock.lock();
       result_ = std::move(result);
@@ -593,14 +596,22 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
     std::string query, error;
     if (!Field(req, "query", query, error)) return Fail(error);
     db::Database& database = host_->database();
-    const bool guard = database.dialect() == db::Dialect::Postgres && !database.InTransaction();
     // Diagnostics never change the database: on the server the statement runs in a
-    // read-only transaction that is rolled back; SQLite only takes SELECTs.
-    if (guard) database.connection().ExecuteRaw("BEGIN READ ONLY");
+    // read-only transaction that is rolled back; SQLite only takes SELECTs. Without that
+    // transaction the statement does not run.
+    if (database.dialect() == db::Dialect::Postgres) {
+      if (database.InTransaction()) return Fail("sql: a transaction is open on this session");
+      if (Status s = database.connection().ExecuteRaw("BEGIN READ ONLY"); !s.ok())
+        return Fail("sql: cannot open a read-only transaction: " + s.message());
+    }
     db::ResultSet rs;
     const bool ok = database.Query(query, rs);
-    if (guard) database.connection().ExecuteRaw("ROLLBACK");
-    if (!ok) return Fail(database.Error().Description());
+    const std::string failure = database.Error().Description();
+    if (database.dialect() == db::Dialect::Postgres) {
+      if (Status s = database.connection().ExecuteRaw("ROLLBACK"); !s.ok())
+        return Fail("sql: cannot end the read-only transaction: " + s.message());
+    }
+    if (!ok) return Fail(failure);
     json rows = json::array();
     for (size_t r = 0; r < rs.rows(); ++r) {
       json row = json::array();

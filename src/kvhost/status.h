@@ -1,5 +1,6 @@
 // The outcome of an engine operation: ok, or the failure text that the module will read in
-// IHostDatabase::Error().Description().
+// IHostDatabase::Error().Description(). A Status is never dropped unread: a caller handles it
+// or discards it with (void) and says why.
 #pragma once
 
 #include <string>
@@ -7,7 +8,7 @@
 
 namespace kvhost {
 
-class Status {
+class [[nodiscard]] Status {
  public:
   static Status Ok() { return Status(); }
   static Status Error(std::string message) { return Status(std::move(message)); }

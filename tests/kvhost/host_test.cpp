@@ -68,6 +68,46 @@ TEST_P(HostTest, ScriptedDialogsAreWorkedThroughGestures) {
   EXPECT_EQ(Scalar("select count(*) from fwyz"), "1");
 }
 
+TEST_P(HostTest, ABracketACallLeavesOpenIsRolledBackAtItsEdgeAndOthersWriteAtOnce) {
+  Exec("insert into fwyz (业主ID,业主编号,业主名称,类型) values (1,'Y1','原名',0)");
+  Screen* s = host().open("ProbeSheet", 870004, 0);
+  ASSERT_TRUE(s) << host().last_error();
+  // The other clerk waits 300 ms for a lock, not the usual 30 s.
+  auto other = NewHost();
+  ASSERT_TRUE(other->database()
+                  .connection()
+                  .ExecuteRaw(is_pg() ? "SET lock_timeout = '300ms'" : "PRAGMA busy_timeout = 300")
+                  .ok());
+  struct Case {
+    const char* method;
+    const char* error;
+  };
+  const Case cases[] = {
+      {"UnCheck",
+       "ProbeSheet.UnCheck: run-time failure 13: Type mismatch. The transaction it left open "
+       "was rolled back: none of its changes were saved"},
+      // The question is not shown: it would hold the bracket's lock while the person reads.
+      {"PrintSetup",
+       "ProbeSheet.PrintSetup: run-time failure 5: a message box cannot wait for an answer "
+       "inside a transaction (改名吗？). The transaction it left open was rolled back: none of "
+       "its changes were saved"},
+      {"Help",
+       "ProbeSheet.Help: it ended with a transaction still open, which was rolled back: none "
+       "of its changes were saved"},
+  };
+  host().ui().answers.push_back(mrvk::msgbox::kYes);
+  for (const Case& c : cases) {
+    mrvk::Variant result;
+    EXPECT_EQ(host().invoke(*s, c.method, {}, result).message(), c.error);
+    EXPECT_FALSE(db().InTransaction()) << c.method;
+    EXPECT_EQ(Scalar("select 业主名称 from fwyz where 业主ID=1"), "原名") << c.method;
+    EXPECT_TRUE(other->database().Execute("update fwyz set 类型=类型+1 where 业主ID=1"))
+        << c.method << ": " << other->database().Error().Description();
+  }
+  EXPECT_TRUE(host().ui().shown.empty());
+  EXPECT_EQ(Scalar("select 类型 from fwyz where 业主ID=1"), "3");
+}
+
 TEST_P(HostTest, EveryDocumentedClassIsKnownAndUnbuiltOnesSaySo) {
   for (const mrvk::ClassInfo& c : mrvk::ClassTable()) {
     std::string error;

@@ -60,8 +60,12 @@ void EngineTest::TearDown() {
   host_.reset();
   if (!pg_schema_.empty()) {
     std::string error;
-    if (auto admin = kvhost::db::PgConnection::Open(TestPgUrl(), error))
-      admin->ExecuteRaw("DROP SCHEMA " + pg_schema_ + " CASCADE");
+    if (auto admin = kvhost::db::PgConnection::Open(TestPgUrl(), error)) {
+      kvhost::Status dropped = admin->ExecuteRaw("DROP SCHEMA " + pg_schema_ + " CASCADE");
+      EXPECT_TRUE(dropped.ok()) << dropped.message();
+    } else {
+      ADD_FAILURE() << error;
+    }
   }
   if (!sqlite_file_.empty()) {
     for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(sqlite_file_ + suffix);

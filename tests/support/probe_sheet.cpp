@@ -130,11 +130,22 @@ class ProbeSheet : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk:
   bool Check() override {
     throw mrvk::VbError(mrvk::vb_error::kDivisionByZero, "Division by zero");
   }
-  bool UnCheck() override { return false; }
+  // Brackets left open, for the host's edge of a call: renaming party 1, then a run-time
+  // failure that nothing catches (UnCheck), a question (PrintSetup), or a plain return (Help).
+  bool UnCheck() override {
+    OpenBracket();
+    throw mrvk::VbError(mrvk::vb_error::kTypeMismatch, "Type mismatch");
+  }
   bool PrintPreview() override { return false; }
   bool DoPrint() override { return false; }
-  bool PrintSetup() override { return false; }
-  bool Help() override { return false; }
+  bool PrintSetup() override {
+    OpenBracket();
+    return mrvk::MsgBox("改名吗？", mrvk::msgbox::kYesNo, "探针") == mrvk::msgbox::kYes;
+  }
+  bool Help() override {
+    OpenBracket();
+    return true;
+  }
   bool DoSetStatus(const std::string&, bool) override { return false; }
   int32_t GetID() override { return id_; }
   bool CheckStatus(const std::string&) override { return false; }
@@ -147,6 +158,12 @@ class ProbeSheet : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk:
 
  private:
   std::string NewKey(int32_t& id);
+  void OpenBracket() {
+    ctx_->Database().BeginTrans();
+    ctx_->Database()
+        .CreateCommand("update fwyz set 业主名称='探针改名' where 业主ID=1", 1)
+        ->Execute();
+  }
 
   bool FindParties(const Variant& conditions, int plane) {
     calls_ += "Find ";

@@ -37,6 +37,10 @@ class Connection {
   virtual Status Begin() = 0;
   virtual Status Commit() = 0;
   virtual Status Rollback() = 0;
+  // True while a transaction of Begin is open on the engine, also after a failed statement
+  // spoiled it (PostgreSQL) and until Commit or Rollback ends it. The group commit's own
+  // transaction does not count.
+  virtual bool InTransaction() const = 0;
   // Group commit: while on, writes outside a bracket share one transaction that Flush (or
   // turning it off) commits. Each statement still runs, fails and stands on its own; only
   // the durable commit is shared. The host turns it on around each call into the module and

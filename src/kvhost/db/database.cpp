@@ -167,19 +167,16 @@ bool Database::Query(const std::string& sql, ResultSet& out) {
 void Database::BeginTrans() {
   Status s = connection_->Begin();
   error_.text = s.message();
-  in_transaction_ = s.ok();
 }
 
 void Database::CommitTrans() {
   Status s = connection_->Commit();
   error_.text = s.message();
-  in_transaction_ = false;
 }
 
 void Database::RollbackTrans() {
   Status s = connection_->Rollback();
   error_.text = s.message();
-  in_transaction_ = false;
 }
 
 std::string Database::NewId(const std::string& table, const std::string& column, int32_t& id) {

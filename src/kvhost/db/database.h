@@ -24,7 +24,9 @@ class Database : public mrvk::IHostDatabase, public IKeySource {
   void BeginTrans() override;
   void CommitTrans() override;
   void RollbackTrans() override;
-  bool InTransaction() const override { return in_transaction_; }
+  // Asks the engine, so a bracket that a failed BeginTrans or a spoiled statement left open
+  // is still seen.
+  bool InTransaction() const override { return connection_->InTransaction(); }
   const mrvk::IHostError& Error() const override { return error_; }
   const mrvk::IHostProperties& Properties() const override { return properties_; }
 
@@ -58,7 +60,6 @@ class Database : public mrvk::IHostDatabase, public IKeySource {
   SqlRewriter rewriter_;
   ErrorText error_;
   Props properties_;
-  bool in_transaction_ = false;
 };
 
 // Opens a database URL (see OpenConnection). Null and error set on failure.

@@ -238,6 +238,10 @@ Status PgConnection::Commit() {
   return s;
 }
 Status PgConnection::Rollback() { return ExecuteRaw("ROLLBACK"); }
+bool PgConnection::InTransaction() const {
+  const PGTransactionStatusType st = PQtransactionStatus(conn_);
+  return st == PQTRANS_INTRANS || st == PQTRANS_INERROR || st == PQTRANS_ACTIVE;
+}
 
 std::string PgConnection::SequenceName(const std::string& table, const std::string& column) {
   std::string name = "xt_seq_" + table + "_" + column;

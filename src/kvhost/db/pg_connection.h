@@ -26,6 +26,7 @@ class PgConnection : public Connection {
   Status Begin() override;
   Status Commit() override;
   Status Rollback() override;
+  bool InTransaction() const override;
   Status NewId(const std::string& table, const std::string& column, int32_t& id) override;
 
   // The name of the sequence that gives the keys of table/column.

@@ -79,7 +79,8 @@ class Builder {
     if (!s.ok()) return s;
     s = Steps();
     if (!s.ok()) {
-      conn_.Rollback();
+      if (Status undone = conn_.Rollback(); !undone.ok())
+        return Status::Error(s.message() + "; rollback: " + undone.message());
       return s;
     }
     return conn_.Commit();

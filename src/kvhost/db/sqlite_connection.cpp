@@ -127,7 +127,9 @@ constexpr FunctionDef kFunctions[] = {
 }  // namespace
 
 SqliteConnection::~SqliteConnection() {
-  Flush();
+  // Closing commits the writes of a group; a failure here has nobody left to tell, and
+  // sqlite3_close_v2 rolls back whatever stays open.
+  (void)Flush();
   for (auto& [sql, entry] : cache_) sqlite3_finalize(entry.stmt);
   // The planner's statistics of the tables this connection searched by an index, as SQLite
   // advises at close (bounded work): without them a lookup by code or name (the pickers'
@@ -237,6 +239,7 @@ Status SqliteConnection::Execute(const RewrittenSql& stmt, int64_t* rows_affecte
     // Most failures undo only the statement; a few (disk full, I/O) undo the transaction.
     if ((implicit_ || explicit_) && sqlite3_get_autocommit(db_)) {
       implicit_ = false;
+      explicit_ = false;
       key_blocks_.clear();
     }
     return err;
@@ -304,7 +307,15 @@ Status SqliteConnection::Begin() {
 Status SqliteConnection::Commit() {
   explicit_ = false;
   Status s = ExecuteRaw("COMMIT");
-  if (!s.ok()) key_blocks_.clear();
+  if (s.ok()) return s;
+  key_blocks_.clear();
+  // A refused COMMIT leaves the transaction open, and with it the write lock: undo it, so
+  // that a bracket always ends here.
+  if (!sqlite3_get_autocommit(db_)) {
+    Status undone = ExecuteRaw("ROLLBACK");
+    return Status::Error(s.message() + "; the transaction was rolled back" +
+                         (undone.ok() ? std::string() : " (" + undone.message() + ")"));
+  }
   return s;
 }
 
@@ -314,8 +325,12 @@ Status SqliteConnection::Rollback() {
   return ExecuteRaw("ROLLBACK");
 }
 
+bool SqliteConnection::InTransaction() const { return !implicit_ && !sqlite3_get_autocommit(db_); }
+
 void SqliteConnection::SetGroupCommit(bool on) {
-  if (!on) Flush();
+  // The host flushes before it turns grouping off and reports a failure; a commit that fails
+  // here is undone by Flush all the same, so no lock outlives the call.
+  if (!on) (void)Flush();
   group_commit_ = on;
 }
 
@@ -325,7 +340,11 @@ Status SqliteConnection::Flush() {
   Status s = ExecuteRaw("COMMIT");
   if (!s.ok()) {
     key_blocks_.clear();
-    ExecuteRaw("ROLLBACK");
+    // The COMMIT failed with the group still open: undo it, so no lock outlives the call.
+    if (!sqlite3_get_autocommit(db_)) {
+      if (Status undone = ExecuteRaw("ROLLBACK"); !undone.ok())
+        return Status::Error(s.message() + "; " + undone.message());
+    }
   }
   return s;
 }

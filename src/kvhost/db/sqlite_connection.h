@@ -26,6 +26,7 @@ class SqliteConnection : public Connection {
   Status Begin() override;
   Status Commit() override;
   Status Rollback() override;
+  bool InTransaction() const override;
   Status NewId(const std::string& table, const std::string& column, int32_t& id) override;
   void SetGroupCommit(bool on) override;
   Status Flush() override;

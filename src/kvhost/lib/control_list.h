@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kvhost/lib/control.h"
+#include "mrvk/frame/vb.h"
 
 namespace kvhost {
 
@@ -53,11 +54,12 @@ class ControlArray {
     return ref;
   }
   // The element; a missing index is VB's run-time failure "control array element does not
-  // exist" (throws std::out_of_range).
+  // exist" (throws mrvk::VbError 340), which the procedures' handlers catch.
   T& operator[](int index) const {
     auto it = items_.find(index);
     if (it == items_.end())
-      throw std::out_of_range("控件数组元素不存在: " + name_ + "(" + std::to_string(index) + ")");
+      throw mrvk::VbError(mrvk::vb_error::kControlArrayElement,
+                          "控件数组元素不存在: " + name_ + "(" + std::to_string(index) + ")");
     return *it->second;
   }
   bool Exists(int index) const { return items_.count(index) > 0; }

@@ -21,7 +21,9 @@ namespace {
 using kvhost::IniFile;
 using kvhost::VsFlexGrid;
 
-// Runs one statement of a layout procedure; a failure skips it and the procedure goes on.
+// Runs one statement of a layout procedure; a failure skips it and the procedure goes on, as
+// any run-time failure does there (the library's too). An abort is no std::exception and
+// passes.
 template <typename Statement>
 void Step(Statement&& statement) {
   try {

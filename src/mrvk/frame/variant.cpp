@@ -149,11 +149,14 @@ int VariantArray::UBound(int dim) const {
 }
 
 size_t VariantArray::Offset(std::initializer_list<int> index) const {
-  if (index.size() != sizes_.size()) throw std::out_of_range("array dimension mismatch");
+  // VB's "Subscript out of range", which the procedures' handlers catch.
+  if (index.size() != sizes_.size())
+    throw VbError(vb_error::kSubscriptOutOfRange, "Subscript out of range");
   size_t off = 0;
   size_t k = 0;
   for (int i : index) {
-    if (i < 0 || i >= sizes_[k]) throw std::out_of_range("array index out of range");
+    if (i < 0 || i >= sizes_[k])
+      throw VbError(vb_error::kSubscriptOutOfRange, "Subscript out of range");
     off = off * static_cast<size_t>(sizes_[k]) + static_cast<size_t>(i);
     ++k;
   }

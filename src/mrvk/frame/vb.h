@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "mrvk/frame/variant.h"
 
@@ -25,6 +26,20 @@ class VbError : public std::runtime_error {
   int number_;
 };
 
+// Ends a call into the module at once, past every handler of the module: the person went away
+// while a box waited for an answer, or a test met a box that its script does not answer. It
+// is neither a VbError nor a std::exception, so no handler of last resort catches it; only
+// the host's edge of the call does, and turns it into an error answer.
+class AbortSignal {
+ public:
+  explicit AbortSignal(std::string why) : why_(std::move(why)) {}
+  virtual ~AbortSignal() = default;
+  const std::string& Why() const { return why_; }
+
+ private:
+  std::string why_;
+};
+
 // The VB run-time failures the logic can meet.
 namespace vb_error {
 inline constexpr int kDivisionByZero = 11;
@@ -32,6 +47,8 @@ inline constexpr int kTypeMismatch = 13;
 inline constexpr int kSubscriptOutOfRange = 9;
 inline constexpr int kItemNotFound = 3265;
 inline constexpr int kCannotShowModal = 401;
+inline constexpr int kInvalidProcedureCall = 5;
+inline constexpr int kControlArrayElement = 340;
 }  // namespace vb_error
 
 [[noreturn]] void RaiseDivisionByZero();

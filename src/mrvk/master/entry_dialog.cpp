@@ -103,8 +103,8 @@ bool EntryDialog::IsCanSave() {
       return false;
     }
     return true;
-  } catch (const std::exception& e) {
-    ReportError("IsCanSave:" + std::string(e.what()), err_level::kValidation, Caption);
+  } catch (const VbError& e) {
+    ReportError("IsCanSave:" + e.Description(), err_level::kValidation, Caption);
     return false;
   }
 }
@@ -136,8 +136,8 @@ void EntryDialog::DoSave() {
     id_ = id;
     if (OnReturnData) OnReturnData(id, is_new);
     Hide();
-  } catch (const std::exception& e) {
-    ReportError("DoSave:" + std::string(e.what()), err_level::kValidation, Caption);
+  } catch (const VbError& e) {
+    ReportError("DoSave:" + e.Description(), err_level::kValidation, Caption);
   }
 }
 

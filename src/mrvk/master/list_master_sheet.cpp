@@ -98,8 +98,8 @@ bool ListMasterSheet::FileDelete() {
     NumberRows(Vs);
     wheel_->Rate(Vs);
     return true;
-  } catch (const std::exception& e) {
-    ErrMessage("FileDelete:" + std::string(e.what()), err_level::kValidation, Word());
+  } catch (const VbError& e) {
+    ErrMessage("FileDelete:" + e.Description(), err_level::kValidation, Word());
     return false;
   }
 }
@@ -140,8 +140,8 @@ void ListMasterSheet::moForm_ReturnData(int32_t id, bool is_new) {
     db.Release();
     NumberRows(Vs);
     wheel_->Rate(Vs);
-  } catch (const std::exception& e) {
-    ErrMessage("UpDataFrom:" + std::string(e.what()), err_level::kValidation, Word());
+  } catch (const VbError& e) {
+    ErrMessage("UpDataFrom:" + e.Description(), err_level::kValidation, Word());
   }
 }
 

@@ -145,8 +145,8 @@ bool selPdm::Guarded(Fn&& fn) {
   try {
     fn();
     return true;
-  } catch (const std::exception& e) {
-    MsgBox(std::string("错误：") + e.what(), msgbox::kCritical, "");
+  } catch (const VbError& e) {
+    MsgBox("错误：" + e.Description(), msgbox::kCritical, "");
     return false;
   }
 }

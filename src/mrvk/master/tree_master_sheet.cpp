@@ -2,6 +2,7 @@
 
 #include "mrvk/frame/data_access.h"
 #include "mrvk/frame/grid_layout.h"
+#include "mrvk/frame/transaction.h"
 #include "mrvk/frame/vb.h"
 #include "mrvk/master/master_procedures.h"
 
@@ -211,8 +212,16 @@ bool TreeMasterSheet::FileSave() {
   if (!IsCanSave()) return false;
   IHostDatabase& db = context_->Database();
   bool saved = false;
+  // Every failure report comes after the rollback: the bracket is undone (explicitly, or by
+  // leaving the try block) before the report is raised.
   try {
-    db.BeginTrans();
+    Transaction tx(db);
+    if (!tx.Open()) {
+      ErrMessage("保存数据时出错：" + db.Error().Description(), err_level::kDatabase,
+                 design_.title);
+      db.Release();
+      return false;
+    }
     std::string sql;
     int32_t id = current_id_;
     if (current_id_ > 0) {
@@ -223,8 +232,8 @@ bool TreeMasterSheet::FileSave() {
     } else {
       const std::string why = bill_->NewID(design_.table, design_.key_column, id);
       if (!why.empty()) {
+        tx.Rollback();
         ErrMessage(why, err_level::kDatabase, design_.title);
-        if (db.InTransaction()) db.RollbackTrans();
         db.Release();
         return false;
       }
@@ -251,18 +260,23 @@ bool TreeMasterSheet::FileSave() {
         node.tag = Variant(id);
         tree_.NodeAdd(kRootKey, kvhost::TreeRelationship::Child, "K" + code, text, node);
       }
-      db.CommitTrans();
-      SetEditable(false);
-      dirty_ = false;
-      if (current_id_ < 1) current_id_ = id;
-      saved = true;
+      if (tx.Commit()) {
+        SetEditable(false);
+        dirty_ = false;
+        if (current_id_ < 1) current_id_ = id;
+        saved = true;
+      } else {
+        // The engine refused the commit (an I/O failure) and undid the bracket; the node
+        // stays until the next refresh, the sheet stays in edit mode with what was typed.
+        ErrMessage("保存数据时出错：" + db.Error().Description(), err_level::kDatabase,
+                   design_.title);
+      }
     } else {
+      tx.Rollback();
       ErrMessage("保存数据时出错：" + error, err_level::kDatabase, design_.title);
-      db.RollbackTrans();
     }
-  } catch (const std::exception& e) {
-    ErrMessage("保存数据时出错：" + std::string(e.what()), err_level::kDatabase, design_.title);
-    if (db.InTransaction()) db.RollbackTrans();
+  } catch (const VbError& e) {
+    ErrMessage("保存数据时出错：" + e.Description(), err_level::kDatabase, design_.title);
   }
   db.Release();
   return saved;
@@ -289,8 +303,8 @@ bool TreeMasterSheet::FileDelete() {
     tree_.NodeDelete(node, /*ask=*/false);
     TreeSelected(TV.SelectedItem());
     return true;
-  } catch (const std::exception& e) {
-    ErrMessage("FileDelete::" + std::string(e.what()), err_level::kValidation, design_.title);
+  } catch (const VbError& e) {
+    ErrMessage("FileDelete::" + e.Description(), err_level::kValidation, design_.title);
     return false;
   }
 }
@@ -304,8 +318,8 @@ bool TreeMasterSheet::IsCanDelete(int32_t id, const std::string&) {
       return false;
     }
     return true;
-  } catch (const std::exception& e) {
-    ErrMessage("IsCanDelete::" + std::string(e.what()), err_level::kValidation, design_.title);
+  } catch (const VbError& e) {
+    ErrMessage("IsCanDelete::" + e.Description(), err_level::kValidation, design_.title);
     return false;
   }
 }
@@ -316,8 +330,8 @@ bool TreeMasterSheet::IsCulterUse(int32_t id, bool& used) {
                           " Where " + design_.key_column + "=" + std::to_string(id))) > 0;
     context_->Database().Release();
     return true;
-  } catch (const std::exception& e) {
-    ErrMessage("IsCulterUse::" + std::string(e.what()), err_level::kValidation, design_.title);
+  } catch (const VbError& e) {
+    ErrMessage("IsCulterUse::" + e.Description(), err_level::kValidation, design_.title);
     return false;
   }
 }
