@@ -1,5 +1,7 @@
 #include "kvhost/print_service.h"
 
+#include <unistd.h>
+
 #include <atomic>
 #include <chrono>
 #include <filesystem>
@@ -21,9 +23,18 @@ std::string NewExportPath(const fs::path& folder, const std::string& stem,
   const auto stamp = std::chrono::duration_cast<std::chrono::milliseconds>(
                          std::chrono::system_clock::now().time_since_epoch())
                          .count();
-  return (folder /
-          (stem + "-" + std::to_string(stamp) + "-" + std::to_string(++counter) + "." + extension))
+  return (folder / (stem + "-" + std::to_string(stamp) + "-" + std::to_string(::getpid()) + "-" +
+                    std::to_string(++counter) + "." + extension))
       .string();
+}
+
+// Whether a file is one that SweepOldFiles removes: an export, a print's page, or a print
+// data file (not the templates beside the data files).
+bool Sweepable(const fs::path& file) {
+  const std::string folder = file.parent_path().filename().string();
+  if (folder == "selfExport") return true;
+  if (folder == "preview") return file.extension() == ".html";
+  return folder == "selfPrint" && file.extension() == ".txt";
 }
 
 // The grid control name(index) of a screen, or an error status.
@@ -53,7 +64,9 @@ void RenderSheetPrint(Host& host, Screen& screen, const std::string& method, std
   if (file.empty() || fs::path(file).extension() != ".txt" || !fs::is_regular_file(file, ignored))
     return;
   std::string document;
-  RenderPrintFile(file, /*direct=*/method == "DoPrint", document, error);
+  const std::string& shared = host.config().shared_path;
+  RenderPrintFile(file, /*direct=*/method == "DoPrint", document, error,
+                  shared.empty() ? "" : (fs::path(shared) / "selfPrint").string());
 }
 
 nlohmann::json TakeDocumentsJson() {
@@ -80,6 +93,21 @@ Status ExportScreenGrid(Host& host, Screen& screen, const std::string& name, int
   if (!ok) return Status::Error(error);
   path = file;
   return Status::Ok();
+}
+
+size_t SweepOldFiles(const std::string& root, std::chrono::seconds max_age) {
+  size_t removed = 0;
+  std::error_code ec;
+  const auto now = fs::file_time_type::clock::now();
+  fs::recursive_directory_iterator it(root, fs::directory_options::skip_permission_denied, ec);
+  for (; !ec && it != fs::recursive_directory_iterator(); it.increment(ec)) {
+    std::error_code ignored;
+    if (it->is_symlink(ignored) || !it->is_regular_file(ignored) || !Sweepable(it->path()))
+      continue;
+    const auto written = it->last_write_time(ignored);
+    if (!ignored && now - written > max_age && fs::remove(it->path(), ignored)) ++removed;
+  }
+  return removed;
 }
 
 Status PrintScreenGrid(Host& host, Screen& screen, const std::string& name, int index,

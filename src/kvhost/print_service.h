@@ -3,6 +3,7 @@
 // with its layout), and the export of a grid of a screen to a file.
 #pragma once
 
+#include <chrono>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -34,5 +35,10 @@ Status ExportScreenGrid(Host& host, Screen& screen, const std::string& name, int
 // a page that cannot be written.
 Status PrintScreenGrid(Host& host, Screen& screen, const std::string& name, int index,
                        const std::string& title, bool direct);
+
+// Removes, anywhere below root (the people's folders included), the exports (selfExport),
+// the print pages (preview/*.html) and the print data files (selfPrint/*.txt) last written
+// longer ago than max_age; templates, settings and layouts stay. Gives how many went.
+size_t SweepOldFiles(const std::string& root, std::chrono::seconds max_age);
 
 }  // namespace kvhost
