@@ -18,7 +18,7 @@ namespace {
 
 constexpr const char* kUsage =
     "usage: mrvk serve [--database URL] [--port N] [--bind ADDR] [--app-path DIR] "
-    "[--static DIR] [--threads N] [--cert FILE --key FILE]\n";
+    "[--static DIR] [--threads N] [--cert FILE --key FILE] [--secure-cookie]\n";
 constexpr int kDefaultPort = 8080;
 constexpr int kMaxPort = 65535;
 constexpr int kMaxThreads = 1024;
@@ -50,6 +50,9 @@ int RunServe(const std::vector<std::string>& args, std::ostream& out, std::ostre
       options.bind = args[++i];
     } else if (a == "--app-path" && has_value) {
       options.app.app_path = args[++i];
+    } else if (a == "--secure-cookie") {
+      // Behind a TLS proxy: the browser sends the session cookie over HTTPS only.
+      options.app.secure_cookie = true;
     } else if (a == "--cert" && has_value) {
       options.cert_file = args[++i];
     } else if (a == "--key" && has_value) {

@@ -53,7 +53,8 @@ struct WebConfig {
   std::chrono::seconds recheck_user{60};
   // Entries shown besides those of xt_menu (the test server's screens).
   std::vector<MenuEntry> extra_menu;
-  // Set when the server speaks TLS: the session cookie is then marked Secure.
+  // Set when the server speaks TLS, or sits behind a TLS proxy: the session cookie is then
+  // marked Secure.
   bool secure_cookie = false;
   // Sign-in throttling: after this many failed sign-ins of one name, or from one address,
   // sign-ins are refused for first_lock, doubled with each further failure up to max_lock.

@@ -59,7 +59,7 @@ class WebServer::Transport {
 namespace {
 
 ServeOptions WithCookieFlag(ServeOptions options) {
-  options.app.secure_cookie = UsesTls(options);
+  options.app.secure_cookie = options.app.secure_cookie || UsesTls(options);
   return options;
 }
 

@@ -474,6 +474,42 @@ TEST_P(WebServerTest, ServesTheClientWithStrictHeaders) {
   EXPECT_EQ(r->get_header_value("Cache-Control"), "no-store");
 }
 
+TEST_P(WebServerTest, BeyondTheLoopbackItServesTlsWithASecureCookie) {
+  UserStore users(db(), kFastHash);
+  ASSERT_TRUE(users.Add("甲", "clerk-password").ok());
+  ServeOptions options;
+  options.app.database = url();
+  options.app.app_path = (app_path_ / "office").string();
+  options.app.hash_iterations = kFastHash;
+  options.bind = "0.0.0.0";
+  options.port = 0;
+  options.static_dir = MRVK_WEB_STATIC_DIR;
+  options.threads = 2;
+  WebServer server(options);
+  std::string none;
+  ASSERT_TRUE(server.Start(none).ok());
+  std::thread run([&server] { server.Run(); });
+  // Its own certificate, made at the first start; the key is the owner's alone.
+  const auto key = app_path_ / "office" / "tls" / "server.key";
+  ASSERT_TRUE(std::filesystem::is_regular_file(app_path_ / "office" / "tls" / "server.crt"));
+  EXPECT_EQ(std::filesystem::status(key).permissions() & std::filesystem::perms::all,
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+
+  httplib::SSLClient tls("127.0.0.1", server.port());
+  tls.enable_server_certificate_verification(false);
+  auto r = tls.Post("/api/signin", json({{"user", "甲"}, {"password", "clerk-password"}}).dump(),
+                    "application/json");
+  ASSERT_TRUE(r);
+  EXPECT_EQ(r->status, 200);
+  EXPECT_NE(r->get_header_value("Set-Cookie").find("; Secure"), std::string::npos);
+  httplib::Client plain("127.0.0.1", server.port());
+  plain.set_read_timeout(5, 0);
+  auto refused = plain.Get("/api/session");
+  EXPECT_TRUE(!refused || refused->status != 401) << "plain HTTP was answered";
+  server.Stop();
+  run.join();
+}
+
 TEST_P(WebServerTest, FilesReachOnlyTheSessionWhoseHostMadeThem) {
   Exec("insert into fwyz (业主ID,业主编号,业主名称,性别,类型) values (1,'Y01','张三','男',0)");
   Exec("insert into fwyz (业主ID,业主编号,业主名称,性别,类型) values (2,'K01','李四','女',1)");
