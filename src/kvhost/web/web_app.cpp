@@ -384,17 +384,19 @@ class WebApp::Impl {
       if (!d) return Refuse(400, "登录日期不是有效日期：" + login_date);
       login_date = d->ToText();
     }
-    // Refused without hashing while the name or the address is locked out.
-    if (throttle_.Locked(req.remote_address, user, Clock::now()))
+    // Refused without hashing while the name or the address is locked out. No user has a
+    // longer name: the throttle keeps no more of it.
+    const std::string counted = user.substr(0, kMaxUserNameLength * 4);
+    if (throttle_.Locked(req.remote_address, counted, Clock::now()))
       return Refuse(429, "登录尝试过多，请稍后再试");
     UserRecord record;
     std::string error;
     switch (users_->SignIn(user, password, record, error)) {
       case UserStore::Check::Ok:
-        throttle_.Succeeded(user);
+        throttle_.Succeeded(counted);
         break;
       case UserStore::Check::Refused:
-        throttle_.Failed(req.remote_address, user, Clock::now());
+        throttle_.Failed(req.remote_address, counted, Clock::now());
         return Refuse(401, "用户名或密码错误");
       case UserStore::Check::Disabled:
         return Refuse(403, "该用户已停用");

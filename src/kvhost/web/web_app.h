@@ -4,7 +4,8 @@
 //
 // API (every body is JSON; every answer carries "ok" and, when not ok, "error"):
 //   POST /api/signin    {"user","password","login_date"?}  sets the session cookie; answers
-//                       user, login_date, csrf (the request token) and must_change
+//                       user, login_date, csrf (the request token) and must_change; 429
+//                       while the name or the address is locked after failed sign-ins
 //   GET  /api/session   the signed-in session as above, or 401
 //   POST /api/signout   ends the session
 //   POST /api/password  {"old","new"}: a new password (required first when must_change)
@@ -13,7 +14,8 @@
 //   GET  /api/file/ID   a page a print made or a file an export wrote, by the "url" an
 //                       answer of this session gave for it; any other ID is 404
 // Every POST but signin needs the session cookie and the header X-CSRF-Token with the token
-// of the sign-in; a POST from another origin is refused. The browser never names a database:
+// of the sign-in; a POST from another origin is refused. A body is at most kMaxRequestBytes
+// and nests at most kMaxRequestDepth levels (protocol.h). The browser never names a database:
 // "session" and "sql" are refused, "open" and "tool" name a progID of the menu and the server
 // finds the class, and "call", "gesture", "state", "close" and "export" name a screen of the
 // session. The browser never sees a server path either: the "documents" of an answer and the

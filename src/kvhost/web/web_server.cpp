@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "kvhost/protocol.h"
 #include "kvhost/web/tls.h"
 
 namespace kvhost::web {
@@ -100,7 +101,7 @@ Status WebServer::Start(std::string& one_time_password) {
   httplib::Server& svr = *transport_->server;
   const size_t threads = static_cast<size_t>(std::max(options_.threads, 2));
   svr.new_task_queue = [threads] { return new httplib::ThreadPool(threads); };
-  svr.set_payload_max_length(1 << 20);
+  svr.set_payload_max_length(kMaxRequestBytes);
   svr.set_default_headers(SecurityHeaders());
   svr.set_file_extension_and_mimetype_mapping("html", "text/html; charset=utf-8");
   svr.set_file_extension_and_mimetype_mapping("js", "text/javascript; charset=utf-8");

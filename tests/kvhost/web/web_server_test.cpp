@@ -29,6 +29,7 @@ constexpr int kFastHash = 1000;  // the slow hash's minimum: tests sign in many 
 constexpr int kOwnersProgID = 870004;
 constexpr int kPrintingProgID = 990004;
 constexpr int kDocumentProgID = 990005;
+constexpr int kAskingProgID = 990006;
 
 // The owners' list with a print preview of its grid, as a report prints: the page it makes
 // comes with the answer's "documents".
@@ -59,6 +60,15 @@ class DocumentPrintingOwners : public mrvk::PDMYz {
   std::string file_;
 };
 
+// The owners' list asking a question while it closes.
+class AskingOwners : public mrvk::PDMYz {
+ public:
+  void DoSaveFormStatus() override {
+    mrvk::MsgBox("保存布局吗？");
+    mrvk::PDMYz::DoSaveFormStatus();
+  }
+};
+
 struct Reply {
   int status = 0;
   json body;
@@ -80,6 +90,7 @@ class WebServerTest : public kvtest::EngineTest {
       mrvk::RegisterClass("PrintingOwners", [] { return std::make_unique<PrintingOwners>(); });
       mrvk::RegisterClass("DocumentPrintingOwners",
                           [] { return std::make_unique<DocumentPrintingOwners>(); });
+      mrvk::RegisterClass("AskingOwners", [] { return std::make_unique<AskingOwners>(); });
       return true;
     }();
     (void)registered;
@@ -92,7 +103,8 @@ class WebServerTest : public kvtest::EngineTest {
     options.app.database = url();
     options.app.app_path = app_path_.string();
     options.app.extra_menu = {{kPrintingProgID, "客户清单", "测试", "PrintingOwners", 1},
-                              {kDocumentProgID, "业主单据", "测试", "DocumentPrintingOwners", 2}};
+                              {kDocumentProgID, "业主单据", "测试", "DocumentPrintingOwners", 2},
+                              {kAskingProgID, "业主", "测试", "AskingOwners", 3}};
     options.app.hash_iterations = kFastHash;
     options.app.first_lock = std::chrono::seconds(1);
     options.app.recheck_user = std::chrono::seconds(0);
@@ -454,6 +466,16 @@ TEST_P(WebServerTest, AQuestionWaitingForOnePersonBlocksNoOneElse) {
   ASSERT_EQ(r.status, 200) << r.body.dump();
   EXPECT_EQ(r.body["result"], false);
   EXPECT_EQ(Scalar("select count(*) from fwly"), "1");
+
+  // A close held up by a question: the screen is gone once the answer ends the close.
+  const int asking = Open(a, kAskingProgID);
+  r = Protocol(a, {{"op", "close"}, {"screen", asking}});
+  ASSERT_TRUE(r.body.contains("pending")) << r.body.dump();
+  ASSERT_EQ(Protocol(a, {{"op", "answer"}, {"value", "yes"}}).status, 422);  // refused
+  ASSERT_EQ(Protocol(a, {{"op", "answer"}, {"value", 1}}).status, 200);
+  r = Protocol(a, {{"op", "state"}, {"screen", asking}});
+  EXPECT_EQ(r.status, 404);
+  EXPECT_EQ(Error(r), "no screen " + std::to_string(asking) + " is open in this session");
 }
 
 TEST_P(WebServerTest, ServesTheClientWithStrictHeaders) {
