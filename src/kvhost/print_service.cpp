@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <vector>
 
 #include "kvhost/grid_export.h"
 #include "kvhost/lib/control_list.h"
@@ -26,15 +27,6 @@ std::string NewExportPath(const fs::path& folder, const std::string& stem,
   return (folder / (stem + "-" + std::to_string(stamp) + "-" + std::to_string(::getpid()) + "-" +
                     std::to_string(++counter) + "." + extension))
       .string();
-}
-
-// Whether a file is one that SweepOldFiles removes: an export, a print's page, or a print
-// data file (not the templates beside the data files).
-bool Sweepable(const fs::path& file) {
-  const std::string folder = file.parent_path().filename().string();
-  if (folder == "selfExport") return true;
-  if (folder == "preview") return file.extension() == ".html";
-  return folder == "selfPrint" && file.extension() == ".txt";
 }
 
 // The grid control name(index) of a screen, or an error status.
@@ -96,16 +88,36 @@ Status ExportScreenGrid(Host& host, Screen& screen, const std::string& name, int
 }
 
 size_t SweepOldFiles(const std::string& root, std::chrono::seconds max_age) {
-  size_t removed = 0;
+  // The program folder and each person's below it; in each the folders of exports and
+  // print data, and the preview folders beside print settings and data files.
+  std::vector<fs::path> programs = {root};
   std::error_code ec;
-  const auto now = fs::file_time_type::clock::now();
-  fs::recursive_directory_iterator it(root, fs::directory_options::skip_permission_denied, ec);
-  for (; !ec && it != fs::recursive_directory_iterator(); it.increment(ec)) {
+  for (const auto& person : fs::directory_iterator(fs::path(root) / "users", ec)) {
     std::error_code ignored;
-    if (it->is_symlink(ignored) || !it->is_regular_file(ignored) || !Sweepable(it->path()))
-      continue;
-    const auto written = it->last_write_time(ignored);
-    if (!ignored && now - written > max_age && fs::remove(it->path(), ignored)) ++removed;
+    if (person.is_directory(ignored) && !person.is_symlink(ignored)) programs.push_back(person);
+  }
+  struct Folder {
+    const char* path;
+    const char* extension;  // "" for every file
+  };
+  static const Folder kFolders[] = {{"selfExport", ""},
+                                    {"selfPrint", ".txt"},
+                                    {"selfPrint/preview", ".html"},
+                                    {"selfPrn/preview", ".html"},
+                                    {"preview", ".html"}};
+  const auto now = fs::file_time_type::clock::now();
+  size_t removed = 0;
+  for (const fs::path& program : programs) {
+    for (const Folder& folder : kFolders) {
+      for (const auto& entry : fs::directory_iterator(program / folder.path, ec)) {
+        std::error_code ignored;
+        if (!entry.is_regular_file(ignored) || entry.is_symlink(ignored) ||
+            (*folder.extension && entry.path().extension() != folder.extension))
+          continue;
+        const auto written = entry.last_write_time(ignored);
+        if (!ignored && now - written > max_age && fs::remove(entry.path(), ignored)) ++removed;
+      }
+    }
   }
   return removed;
 }

@@ -36,9 +36,10 @@ Status ExportScreenGrid(Host& host, Screen& screen, const std::string& name, int
 Status PrintScreenGrid(Host& host, Screen& screen, const std::string& name, int index,
                        const std::string& title, bool direct);
 
-// Removes, anywhere below root (the people's folders included), the exports (selfExport),
-// the print pages (preview/*.html) and the print data files (selfPrint/*.txt) last written
-// longer ago than max_age; templates, settings and layouts stay. Gives how many went.
+// Removes, in the program folder root and in each person's folder below it (users/*), the
+// exports (selfExport), the print pages (*.html in the preview folders beside print
+// settings and data) and the print data files (selfPrint/*.txt) last written longer ago
+// than max_age; templates, settings and layouts stay. Gives how many went.
 size_t SweepOldFiles(const std::string& root, std::chrono::seconds max_age);
 
 }  // namespace kvhost
