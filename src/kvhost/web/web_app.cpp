@@ -736,7 +736,9 @@ std::string PersonFolder(const std::string& app_path, const std::string& user) {
   static const char* kHex = "0123456789ABCDEF";
   std::string name;
   for (unsigned char ch : user) {
-    if (std::isalnum(ch) || ch == '-' || ch == '_' || ch >= 0x80) {
+    const bool plain = (ch >= '0' && ch <= '9') || (ch >= 'A' && ch <= 'Z') ||
+                       (ch >= 'a' && ch <= 'z') || ch == '-' || ch == '_';
+    if (plain || ch >= 0x80) {
       name += static_cast<char>(ch);
     } else {
       name += '%';
