@@ -7,6 +7,23 @@
 #include "kvhost/protocol.h"
 
 namespace mrvk_app {
+namespace {
+
+// Reads one line; of a line longer than a request may be, only one byte beyond the limit is
+// kept (the driver refuses it as too large) and the rest is read past.
+bool ReadRequestLine(std::istream& in, std::string& line) {
+  line.clear();
+  std::streambuf* buffer = in.rdbuf();
+  bool any = false;
+  for (int ch = buffer->sbumpc(); ch != std::char_traits<char>::eof(); ch = buffer->sbumpc()) {
+    any = true;
+    if (ch == '\n') return true;
+    if (line.size() <= kvhost::kMaxRequestBytes) line.push_back(static_cast<char>(ch));
+  }
+  return any;
+}
+
+}  // namespace
 
 std::string DefaultDatabaseUrl() {
   const std::filesystem::path dir = std::filesystem::current_path() / "data";
@@ -56,7 +73,7 @@ int RunDrive(const std::vector<std::string>& args, std::istream& in, std::ostrea
   }
   kvhost::ProtocolDriver driver;
   std::string line;
-  while (std::getline(in, line)) {
+  while (ReadRequestLine(in, line)) {
     if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
     out << driver.HandleLine(line) << "\n" << std::flush;
   }

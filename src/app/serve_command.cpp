@@ -18,7 +18,7 @@ namespace {
 
 constexpr const char* kUsage =
     "usage: mrvk serve [--database URL] [--port N] [--bind ADDR] [--app-path DIR] "
-    "[--static DIR] [--threads N]\n";
+    "[--static DIR] [--threads N] [--cert FILE --key FILE] [--secure-cookie]\n";
 constexpr int kDefaultPort = 8080;
 constexpr int kMaxPort = 65535;
 constexpr int kMaxThreads = 1024;
@@ -50,6 +50,13 @@ int RunServe(const std::vector<std::string>& args, std::ostream& out, std::ostre
       options.bind = args[++i];
     } else if (a == "--app-path" && has_value) {
       options.app.app_path = args[++i];
+    } else if (a == "--secure-cookie") {
+      // Behind a TLS proxy: the browser sends the session cookie over HTTPS only.
+      options.app.secure_cookie = true;
+    } else if (a == "--cert" && has_value) {
+      options.cert_file = args[++i];
+    } else if (a == "--key" && has_value) {
+      options.key_file = args[++i];
     } else if (a == "--static" && has_value) {
       options.static_dir = args[++i];
     } else if (a == "--port" && has_value) {
@@ -91,8 +98,11 @@ int RunServe(const std::vector<std::string>& args, std::ostream& out, std::ostre
         out << "mrvk serve: first run: the administrator \"" << kvhost::web::kAdministrator
             << "\" has the one-time password: " << one_time_password
             << "\nmrvk serve: it is shown only now and must be changed at the first sign-in\n";
-      out << "mrvk serve: listening on http://" << options.bind << ":" << server.port()
-          << "/ (Ctrl+C stops)\n"
+      if (server.tls() && options.cert_file.empty())
+        out << "mrvk serve: TLS with the self-signed certificate " << server.cert_file()
+            << " (browsers ask once to trust it; give your own with --cert FILE --key FILE)\n";
+      out << "mrvk serve: listening on " << (server.tls() ? "https" : "http") << "://"
+          << options.bind << ":" << server.port() << "/ (Ctrl+C stops)\n"
           << std::flush;
       std::thread waiter([&server, &stop_signals] {
         int sig = 0;

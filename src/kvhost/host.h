@@ -24,7 +24,12 @@ struct HostConfig {
   std::string database = "sqlite://";  // see db::OpenConnection
   std::string user = "admin";
   std::string login_date;  // "yyyy-mm-dd"; empty for today
+  // The program folder: layouts, print settings and data, exports. The web client gives
+  // each person a folder of their own (below shared_path).
   std::string app_path = ".";
+  // The office's folder beside the people's own, where print templates not in app_path are
+  // found; "" when app_path is the only one.
+  std::string shared_path = "";
 };
 
 // A modal box the module showed.

@@ -1,8 +1,11 @@
 #include "kvhost/print_service.h"
 
+#include <unistd.h>
+
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <vector>
 
 #include "kvhost/grid_export.h"
 #include "kvhost/lib/control_list.h"
@@ -21,8 +24,8 @@ std::string NewExportPath(const fs::path& folder, const std::string& stem,
   const auto stamp = std::chrono::duration_cast<std::chrono::milliseconds>(
                          std::chrono::system_clock::now().time_since_epoch())
                          .count();
-  return (folder /
-          (stem + "-" + std::to_string(stamp) + "-" + std::to_string(++counter) + "." + extension))
+  return (folder / (stem + "-" + std::to_string(stamp) + "-" + std::to_string(::getpid()) + "-" +
+                    std::to_string(++counter) + "." + extension))
       .string();
 }
 
@@ -53,7 +56,9 @@ void RenderSheetPrint(Host& host, Screen& screen, const std::string& method, std
   if (file.empty() || fs::path(file).extension() != ".txt" || !fs::is_regular_file(file, ignored))
     return;
   std::string document;
-  RenderPrintFile(file, /*direct=*/method == "DoPrint", document, error);
+  const std::string& shared = host.config().shared_path;
+  RenderPrintFile(file, /*direct=*/method == "DoPrint", document, error,
+                  shared.empty() ? "" : (fs::path(shared) / "selfPrint").string());
 }
 
 nlohmann::json TakeDocumentsJson() {
@@ -80,6 +85,41 @@ Status ExportScreenGrid(Host& host, Screen& screen, const std::string& name, int
   if (!ok) return Status::Error(error);
   path = file;
   return Status::Ok();
+}
+
+size_t SweepOldFiles(const std::string& root, std::chrono::seconds max_age) {
+  // The program folder and each person's below it; in each the folders of exports and
+  // print data, and the preview folders beside print settings and data files.
+  std::vector<fs::path> programs = {root};
+  std::error_code ec;
+  for (const auto& person : fs::directory_iterator(fs::path(root) / "users", ec)) {
+    std::error_code ignored;
+    if (person.is_directory(ignored) && !person.is_symlink(ignored)) programs.push_back(person);
+  }
+  struct Folder {
+    const char* path;
+    const char* extension;  // "" for every file
+  };
+  static const Folder kFolders[] = {{"selfExport", ""},
+                                    {"selfPrint", ".txt"},
+                                    {"selfPrint/preview", ".html"},
+                                    {"selfPrn/preview", ".html"},
+                                    {"preview", ".html"}};
+  const auto now = fs::file_time_type::clock::now();
+  size_t removed = 0;
+  for (const fs::path& program : programs) {
+    for (const Folder& folder : kFolders) {
+      for (const auto& entry : fs::directory_iterator(program / folder.path, ec)) {
+        std::error_code ignored;
+        if (!entry.is_regular_file(ignored) || entry.is_symlink(ignored) ||
+            (*folder.extension && entry.path().extension() != folder.extension))
+          continue;
+        const auto written = entry.last_write_time(ignored);
+        if (!ignored && now - written > max_age && fs::remove(entry.path(), ignored)) ++removed;
+      }
+    }
+  }
+  return removed;
 }
 
 Status PrintScreenGrid(Host& host, Screen& screen, const std::string& name, int index,

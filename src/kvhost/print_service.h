@@ -3,6 +3,7 @@
 // with its layout), and the export of a grid of a screen to a file.
 #pragma once
 
+#include <chrono>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -34,5 +35,11 @@ Status ExportScreenGrid(Host& host, Screen& screen, const std::string& name, int
 // a page that cannot be written.
 Status PrintScreenGrid(Host& host, Screen& screen, const std::string& name, int index,
                        const std::string& title, bool direct);
+
+// Removes, in the program folder root and in each person's folder below it (users/*), the
+// exports (selfExport), the print pages (*.html in the preview folders beside print
+// settings and data) and the print data files (selfPrint/*.txt) last written longer ago
+// than max_age; templates, settings and layouts stay. Gives how many went.
+size_t SweepOldFiles(const std::string& root, std::chrono::seconds max_age);
 
 }  // namespace kvhost

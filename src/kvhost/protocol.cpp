@@ -422,7 +422,8 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
     if (!Field(req, "database", cfg.database, error) ||
         !Field(req, "user", cfg.user, error, /*required=*/false) ||
         !Field(req, "login_date", cfg.login_date, error, /*required=*/false) ||
-        !Field(req, "app_path", cfg.app_path, error, /*required=*/false))
+        !Field(req, "app_path", cfg.app_path, error, /*required=*/false) ||
+        !Field(req, "shared_path", cfg.shared_path, error, /*required=*/false))
       return Fail(error);
     auto host = std::make_unique<Host>(cfg);
     if (!host->status().ok()) return Fail(host->status().message());
@@ -671,13 +672,45 @@ json ProtocolDriver::Handle(const json& request) {
   }
 }
 
+bool ParseRequest(const std::string& text, json& out, std::string& error) {
+  if (text.size() > kMaxRequestBytes) {
+    error = "the request is larger than " + std::to_string(kMaxRequestBytes) + " bytes";
+    return false;
+  }
+  int depth = 0;
+  bool in_string = false;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char ch = text[i];
+    if (in_string) {
+      if (ch == '\\')
+        ++i;
+      else if (ch == '"')
+        in_string = false;
+    } else if (ch == '"') {
+      in_string = true;
+    } else if (ch == '[' || ch == '{') {
+      if (++depth > kMaxRequestDepth) {
+        error = "the request nests arrays and objects deeper than " +
+                std::to_string(kMaxRequestDepth) + " levels";
+        return false;
+      }
+    } else if (ch == ']' || ch == '}') {
+      --depth;
+    }
+  }
+  try {
+    out = json::parse(text);
+  } catch (const json::parse_error& e) {
+    error = std::string("the request is not JSON: ") + e.what();
+    return false;
+  }
+  return true;
+}
+
 std::string ProtocolDriver::HandleLine(const std::string& line) {
   json req;
-  try {
-    req = json::parse(line);
-  } catch (const json::parse_error& e) {
-    return Fail(std::string("not JSON: ") + e.what()).dump();
-  }
+  std::string error;
+  if (!ParseRequest(line, req, error)) return Fail(error).dump();
   return Handle(req).dump(-1, ' ', /*ensure_ascii=*/false, json::error_handler_t::replace);
 }
 

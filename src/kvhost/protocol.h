@@ -32,6 +32,16 @@ class ProtocolDriver {
   std::unique_ptr<Impl> impl_;
 };
 
+// The limits of one request: its size, and how deep arrays and objects nest in it (whatever
+// walks a value recursively would otherwise run out of stack on a request nested deeply
+// enough, and take the server down for everybody).
+inline constexpr size_t kMaxRequestBytes = 1 << 20;
+inline constexpr int kMaxRequestDepth = 64;
+
+// Parses one request within those limits; false with the reason in error. The depth is
+// checked on the text before anything is built.
+bool ParseRequest(const std::string& text, nlohmann::json& out, std::string& error);
+
 // Variant <-> JSON: Empty and Null are null, dates "yyyy-mm-dd", arrays nested JSON arrays.
 nlohmann::json VariantToJson(const mrvk::Variant& v);
 // A JSON value as a Variant; nested arrays must be rectangular. False with error set when not.

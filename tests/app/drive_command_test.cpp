@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "app/commands.h"
+#include "kvhost/protocol.h"
 #include "support/engines.h"
 
 namespace {
@@ -24,6 +25,10 @@ TEST_P(DriveCommandTest, InitDbThenDriveAnswersTheOwnersEntry) {
       json({{"op", "session"}, {"database", url()}}).dump() + "\n\n" +
       R"({"op":"sql","query":"select top 1 menuname from xt_menu where progID=870004"})"
       "\n"
+      R"({"op":"sql","query":"select 1","x":)" +
+      std::string(300000, '[') + std::string(300000, ']') + "}\n" + R"({"op":"sql","query":")" +
+      std::string(kvhost::kMaxRequestBytes, 'x') +
+      "\"}\n"
       "garbage\n");
   std::ostringstream answers;
   ASSERT_EQ(mrvk_app::RunDrive({}, in, answers, err), 0);
@@ -31,10 +36,12 @@ TEST_P(DriveCommandTest, InitDbThenDriveAnswersTheOwnersEntry) {
   std::string line;
   std::vector<json> got;
   while (std::getline(lines, line)) got.push_back(json::parse(line));
-  ASSERT_EQ(got.size(), 3u);  // the blank line gets no answer
+  ASSERT_EQ(got.size(), 5u);  // the blank line gets no answer
   EXPECT_EQ(got[0]["result"]["driver"], is_pg() ? "postgresql" : "jet");
   EXPECT_EQ(got[1]["result"]["rows"][0][0], "业主信息");
-  EXPECT_EQ(got[2]["ok"], false);
+  EXPECT_EQ(got[2]["error"], "the request nests arrays and objects deeper than 64 levels");
+  EXPECT_EQ(got[3]["error"], "the request is larger than 1048576 bytes");
+  EXPECT_EQ(got[4]["ok"], false);
 }
 
 MRVK_ON_BOTH_ENGINES(DriveCommandTest);

@@ -2,14 +2,13 @@
 
 #include <strings.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cmath>
-#include <cstdio>
 #include <fstream>
 #include <limits>
 #include <sstream>
 
+#include "kvhost/lib/atomic_file.h"
 #include "mrvk/frame/vb.h"
 
 namespace kvhost {
@@ -52,9 +51,12 @@ IniFile::Stamp IniFile::CurrentStamp() const {
 }
 
 void IniFile::Refresh() {
-  const Stamp now = CurrentStamp();
-  if (now == stamp_) return;
-  stamp_ = now;
+  if (CurrentStamp() == stamp_) return;
+  Load();
+}
+
+void IniFile::Load() {
+  stamp_ = CurrentStamp();
   sections_.clear();
   std::ifstream in(path_, std::ios::binary);
   std::string line;
@@ -111,7 +113,10 @@ int16_t IniFile::ReadInt(const std::string& section, const std::string& key,
 void IniFile::WriteString(const std::string& section, const std::string& key,
                           const std::string& value) {
   if (path_.empty()) return;
-  Refresh();
+  // Read, change and write under the folder's lock, from the file as it is now: the stamp
+  // alone could miss a write of another object in the same instant.
+  FolderLock lock(path_);
+  Load();
   Section* target = nullptr;
   for (Section& s : sections_) {
     if (SameName(s.name, section)) target = &s;
@@ -150,18 +155,11 @@ void IniFile::Save() {
     text << "[" << s.name << "]\n";
     for (const auto& [k, v] : s.entries) text << k << "=" << v << "\n";
   }
-  const std::string temp = path_ + ".tmp" + std::to_string(::getpid());
-  bool written = false;
-  {
-    std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-    written = out && (out << text.str()) && out.flush();
-  }
-  if (written && std::rename(temp.c_str(), path_.c_str()) == 0) {
+  if (ReplaceFile(path_, text.str())) {
     stamp_ = CurrentStamp();
     return;
   }
   // The write is dropped: the next read takes the file as it is.
-  std::remove(temp.c_str());
   stamp_.size = -2;
 }
 

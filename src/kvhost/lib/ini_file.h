@@ -3,11 +3,12 @@
 // to case (ASCII); blanks around keys and values are dropped; lines starting with ";" and
 // lines without "=" are ignored. A missing file or key gives the caller's default.
 //
-// Every write updates the file at once (through a temporary file renamed over it), and
-// reads and writes pick up what another object wrote to the file meanwhile, so several
-// objects on one file (the form walk and the grid layout in it) never undo each other's
-// writes. A write that cannot be made (a folder that cannot be written) is dropped; the
-// layout procedures that use the file go on without it.
+// Every write updates the file at once: under a lock on the file's folder it reads the file
+// as it is, changes the key and writes the whole file through a temporary file of its own
+// renamed over it. Reads pick up what another object wrote meanwhile, so several objects on
+// one file (the form walk and the grid layout in it, or threads of one person's sessions)
+// never undo each other's writes. A write that cannot be made (a folder that cannot be written) is
+// dropped; the layout procedures that use the file go on without it.
 #pragma once
 
 #include <cstdint>
@@ -54,6 +55,7 @@ class IniFile {
   Stamp CurrentStamp() const;
   // Reads the file again when it changed since it was read.
   void Refresh();
+  void Load();
   const std::string* Find(const std::string& section, const std::string& key);
   void Save();
 

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "kvhost/lib/atomic_file.h"
 #include "kvhost/lib/display_format.h"
 #include "kvhost/lib/print_job.h"
 #include "mrvk/frame/vb.h"
@@ -208,8 +209,7 @@ void PrintData::Save(const std::string& path) const {
   std::error_code ignored;
   const fs::path folder = fs::path(path).parent_path();
   if (!folder.empty()) fs::create_directories(folder, ignored);
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  if (!out || !(out << text.str()) || !out.flush()) Fail("无法写入打印数据文件: " + path);
+  if (!ReplaceFile(path, text.str())) Fail("无法写入打印数据文件: " + path);
 }
 
 bool PrintData::Load(const std::string& path, std::string& error) {
@@ -294,7 +294,7 @@ std::string RenderPrintData(const PrintData& data, const std::string& layout_tem
 }
 
 bool RenderPrintFile(const std::string& data_file, bool direct, std::string& document,
-                     std::string& error) {
+                     std::string& error, const std::string& template_folder) {
   document.clear();
   PrintData data;
   if (!data.Load(data_file, error)) return false;
@@ -302,7 +302,10 @@ bool RenderPrintFile(const std::string& data_file, bool direct, std::string& doc
   std::string layout;
   fs::path template_path = path;
   template_path.replace_extension(".layout.html");
-  if (std::ifstream in(template_path, std::ios::binary); in) {
+  std::ifstream in(template_path, std::ios::binary);
+  if (!in && !template_folder.empty())
+    in.open(fs::path(template_folder) / template_path.filename(), std::ios::binary);
+  if (in) {
     std::ostringstream text;
     text << in.rdbuf();
     layout = text.str();

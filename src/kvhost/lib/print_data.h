@@ -67,7 +67,8 @@ class PrintData {
   // The section of the index (made on first use); the module passes 1.
   PrintSection& Section(const mrvk::Variant& index);
   const std::map<int, PrintSection>& Sections() const { return sections_; }
-  // Writes the file (the folder is made when missing). A file that cannot be written is the
+  // Writes the file (the folder is made when missing) through a temporary file renamed over
+  // it, so a preview never reads half a file. A file that cannot be written is the
   // object's run-time failure (throws mrvk::VbError), as the module's handler expects.
   void Save(const std::string& path) const;
   // Reads a file Save wrote; false with the reason in error.
@@ -82,10 +83,12 @@ std::string RenderPrintData(const PrintData& data, const std::string& layout_tem
                             const std::string& title);
 
 // Renders the data file with its template, the file beside it with the extension
-// ".layout.html" (870201.txt: 870201.layout.html), into a new page in the folder "preview"
-// beside it, and announces the page (TakePrintedDocuments) with direct as given. The title is
-// the field "标题" of section 1, else the file's stem. False with the reason in error.
+// ".layout.html" (870201.txt: 870201.layout.html), else the file of that name in
+// template_folder (the office's templates beside a person's own folder), into a new page in
+// the folder "preview" beside the data file, and announces the page (TakePrintedDocuments)
+// with direct as given. The title is the field "标题" of section 1, else the file's stem.
+// False with the reason in error.
 bool RenderPrintFile(const std::string& data_file, bool direct, std::string& document,
-                     std::string& error);
+                     std::string& error, const std::string& template_folder = "");
 
 }  // namespace kvhost

@@ -4,7 +4,10 @@
 #include <openssl/evp.h>
 #include <openssl/rand.h>
 
+#include <algorithm>
+#include <semaphore>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 namespace kvhost::web {
@@ -52,10 +55,22 @@ bool FromHex(const std::string& hex, std::vector<unsigned char>& out) {
   return true;
 }
 
+// A hash takes a core for a quarter of a second: at most one hash per core runs at a time,
+// so a burst of sign-ins waits its turn instead of starving every other request.
+std::counting_semaphore<>& HashSlots() {
+  static std::counting_semaphore<> slots(std::max<std::ptrdiff_t>(
+      1, static_cast<std::ptrdiff_t>(std::thread::hardware_concurrency())));
+  return slots;
+}
+
 std::vector<unsigned char> Derive(const std::string& password,
                                   const std::vector<unsigned char>& salt, int iterations,
                                   size_t length) {
   std::vector<unsigned char> out(length);
+  HashSlots().acquire();
+  struct Release {
+    ~Release() { HashSlots().release(); }
+  } release;
   if (PKCS5_PBKDF2_HMAC(password.data(), static_cast<int>(password.size()), salt.data(),
                         static_cast<int>(salt.size()), iterations, EVP_sha256(),
                         static_cast<int>(length), out.data()) != 1)

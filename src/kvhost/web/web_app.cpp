@@ -1,7 +1,9 @@
 #include "kvhost/web/web_app.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cctype>
+#include <condition_variable>
 #include <ctime>
 #include <deque>
 #include <filesystem>
@@ -10,9 +12,11 @@
 #include <mutex>
 #include <optional>
 #include <set>
+#include <thread>
 
 #include "kvhost/db/database.h"
 #include "kvhost/host.h"
+#include "kvhost/print_service.h"
 #include "kvhost/protocol.h"
 #include "kvhost/web/user_store.h"
 #include "mrvk/frame/vb.h"
@@ -25,8 +29,6 @@ using nlohmann::json;
 using Clock = std::chrono::steady_clock;
 
 constexpr size_t kTokenBytes = 32;
-// How often idle sessions are looked for.
-constexpr std::chrono::seconds kSweepEvery{60};
 
 WebResponse Refuse(int status, const std::string& error) {
   return {status, {{"ok", false}, {"error", error}}, ""};
@@ -55,12 +57,14 @@ std::string CookieValue(const std::string& header, const std::string& name) {
   return "";
 }
 
-std::string SessionCookie(const std::string& token) {
-  return std::string(kSessionCookie) + "=" + token + "; Path=/; HttpOnly; SameSite=Strict";
+std::string SessionCookie(const std::string& token, bool secure) {
+  return std::string(kSessionCookie) + "=" + token + "; Path=/; HttpOnly; SameSite=Strict" +
+         (secure ? "; Secure" : "");
 }
 
-std::string ExpiredCookie() {
-  return std::string(kSessionCookie) + "=; Path=/; Max-Age=0; HttpOnly; SameSite=Strict";
+std::string ExpiredCookie(bool secure) {
+  return std::string(kSessionCookie) + "=; Path=/; Max-Age=0; HttpOnly; SameSite=Strict" +
+         (secure ? "; Secure" : "");
 }
 
 bool StartsWithNoCase(const std::string& text, const std::string& prefix) {
@@ -128,6 +132,67 @@ std::string EncodedFileName(const std::string& name) {
   return out;
 }
 
+// Failed sign-ins by name and by address; see WebConfig for the limits.
+class SignInThrottle {
+ public:
+  explicit SignInThrottle(const WebConfig& config) : config_(config) {}
+
+  // Whether a sign-in of the name from the address is refused now.
+  bool Locked(const std::string& address, const std::string& name, Clock::time_point now) {
+    std::lock_guard lock(mu_);
+    auto locked = [now](const std::map<std::string, Strikes>& map, const std::string& key) {
+      auto it = map.find(key);
+      return it != map.end() && it->second.until > now;
+    };
+    return locked(by_name_, name) || locked(by_address_, address);
+  }
+
+  void Failed(const std::string& address, const std::string& name, Clock::time_point now) {
+    std::lock_guard lock(mu_);
+    Strike(by_name_[name], config_.failures_per_name, now);
+    Strike(by_address_[address], config_.failures_per_address, now);
+  }
+
+  void Succeeded(const std::string& name) {
+    std::lock_guard lock(mu_);
+    by_name_.erase(name);
+  }
+
+  // Forgets the failures that no longer count.
+  void Prune(Clock::time_point now) {
+    std::lock_guard lock(mu_);
+    for (auto* map : {&by_name_, &by_address_}) {
+      std::erase_if(*map, [&](const auto& entry) { return Forgotten(entry.second, now); });
+    }
+  }
+
+ private:
+  struct Strikes {
+    int failures = 0;
+    Clock::time_point last;
+    Clock::time_point until;
+  };
+
+  bool Forgotten(const Strikes& s, Clock::time_point now) const {
+    return s.until <= now && now - s.last > config_.max_lock;
+  }
+
+  void Strike(Strikes& s, int limit, Clock::time_point now) const {
+    if (Forgotten(s, now)) s.failures = 0;
+    ++s.failures;
+    s.last = now;
+    if (s.failures < limit) return;
+    auto lock = config_.first_lock;
+    for (int i = limit; i < s.failures && lock < config_.max_lock; ++i) lock *= 2;
+    s.until = now + std::min(lock, config_.max_lock);
+  }
+
+  const WebConfig& config_;
+  std::mutex mu_;
+  std::map<std::string, Strikes> by_name_;
+  std::map<std::string, Strikes> by_address_;
+};
+
 // Whether the module can create the class now (classes come one by one).
 bool Creatable(const std::string& class_name) {
   std::string error;
@@ -154,20 +219,29 @@ struct WebSession {
   std::mutex mu;
   std::unique_ptr<ProtocolDriver> driver;
   std::set<int> screens;
-  // The operation whose answer waits on a box ("open", "close", ...); "" when none.
+  // The operation whose answer waits on a box ("open", "close", ...) and the screen it
+  // names; "" when none.
   std::string waiting_op;
+  int waiting_screen = 0;
   // The files its answers named, by the ID of their URL; oldest first in file_order.
   std::map<std::string, SessionFile> files;
   std::deque<std::string> file_order;
-  Clock::time_point last_used = Clock::now();
+  // Read without the session's lock by the sweeper and by a sign-in choosing what to close.
+  std::atomic<Clock::time_point> last_used = Clock::now();
   Clock::time_point last_checked = Clock::now();
 };
 
 class WebApp::Impl {
  public:
-  explicit Impl(WebConfig config) : config_(std::move(config)) {}
+  explicit Impl(WebConfig config) : config_(std::move(config)), throttle_(config_) {}
 
   ~Impl() {
+    {
+      std::lock_guard lock(sweeper_mu_);
+      stopping_ = true;
+    }
+    sweeper_cv_.notify_all();
+    if (sweeper_.joinable()) sweeper_.join();
     std::map<std::string, std::shared_ptr<WebSession>> gone;
     {
       std::lock_guard lock(sessions_mu_);
@@ -191,12 +265,14 @@ class WebApp::Impl {
     if (Status s = host.create_schema(); !s.ok()) return s;
     users_db_ = std::move(users_db);
     users_ = std::make_unique<UserStore>(*users_db_, config_.hash_iterations);
-    return users_->EnsureAdministrator(one_time_password);
+    if (Status s = users_->EnsureAdministrator(one_time_password); !s.ok()) return s;
+    SweepOldFiles(config_.app_path, config_.file_age);
+    if (!sweeper_.joinable()) sweeper_ = std::thread([this] { SweepLoop(); });
+    return Status::Ok();
   }
 
   WebResponse Handle(const WebRequest& req) {
     if (!users_) return Refuse(503, "the server is not started");
-    SweepIdleSessions();
     const bool post = req.method == "POST";
     if (!post && req.method != "GET") return Refuse(405, "only GET and POST are answered");
     json body = json::object();
@@ -207,11 +283,8 @@ class WebApp::Impl {
         return Refuse(403, "a request from another origin is refused");
       if (!StartsWithNoCase(req.content_type, "application/json"))
         return Refuse(415, "requests are JSON (Content-Type: application/json)");
-      try {
-        body = json::parse(req.body);
-      } catch (const json::parse_error& e) {
-        return Refuse(400, std::string("the request is not JSON: ") + e.what());
-      }
+      std::string error;
+      if (!ParseRequest(req.body, body, error)) return Refuse(400, error);
       if (!body.is_object()) return Refuse(400, "a request is a JSON object");
     }
     const std::string& path = req.path;
@@ -232,7 +305,7 @@ class WebApp::Impl {
     if (!session) {
       WebResponse r = Refuse(401, "未登录或登录已过期，请重新登录");
       if (!req.cookie.empty() && !CookieValue(req.cookie, kSessionCookie).empty())
-        r.set_cookie = ExpiredCookie();
+        r.set_cookie = ExpiredCookie(config_.secure_cookie);
       return r;
     }
     if (post && !SameSecret(req.csrf, session->csrf))
@@ -244,14 +317,14 @@ class WebApp::Impl {
       lock.unlock();
       EndSession(session->token);
       WebResponse r = Refuse(401, "登录已失效，请重新登录");
-      r.set_cookie = ExpiredCookie();
+      r.set_cookie = ExpiredCookie(config_.secure_cookie);
       return r;
     }
     if (path == "/api/session") return {200, SessionJson(*session), ""};
     if (path == "/api/signout") {
       lock.unlock();
       EndSession(session->token);
-      WebResponse r{200, {{"ok", true}}, ExpiredCookie()};
+      WebResponse r{200, {{"ok", true}}, ExpiredCookie(config_.secure_cookie)};
       return r;
     }
     if (path == "/api/password") return ChangePassword(*session, body);
@@ -311,12 +384,19 @@ class WebApp::Impl {
       if (!d) return Refuse(400, "登录日期不是有效日期：" + login_date);
       login_date = d->ToText();
     }
+    // Refused without hashing while the name or the address is locked out. No user has a
+    // longer name: the throttle keeps no more of it.
+    const std::string counted = user.substr(0, kMaxUserNameLength * 4);
+    if (throttle_.Locked(req.remote_address, counted, Clock::now()))
+      return Refuse(429, "登录尝试过多，请稍后再试");
     UserRecord record;
     std::string error;
     switch (users_->SignIn(user, password, record, error)) {
       case UserStore::Check::Ok:
+        throttle_.Succeeded(counted);
         break;
       case UserStore::Check::Refused:
+        throttle_.Failed(req.remote_address, counted, Clock::now());
         return Refuse(401, "用户名或密码错误");
       case UserStore::Check::Disabled:
         return Refuse(403, "该用户已停用");
@@ -332,11 +412,24 @@ class WebApp::Impl {
     s->login_date = login_date;
     s->pwhash = record.hash;
     s->must_change = record.must_change;
+    std::vector<std::shared_ptr<WebSession>> closed;  // closed outside the lock
     {
       std::lock_guard lock(sessions_mu_);
+      // A person has at most sessions_per_user: the least recently used ones go.
+      std::vector<std::map<std::string, std::shared_ptr<WebSession>>::iterator> mine;
+      for (auto it = sessions_.begin(); it != sessions_.end(); ++it) {
+        if (it->second->user == s->user) mine.push_back(it);
+      }
+      std::sort(mine.begin(), mine.end(), [](const auto& a, const auto& b) {
+        return a->second->last_used.load() < b->second->last_used.load();
+      });
+      for (size_t i = 0; i + config_.sessions_per_user <= mine.size(); ++i) {
+        closed.push_back(std::move(mine[i]->second));
+        sessions_.erase(mine[i]);
+      }
       sessions_[s->token] = s;
     }
-    return {200, SessionJson(*s), SessionCookie(s->token)};
+    return {200, SessionJson(*s), SessionCookie(s->token, config_.secure_cookie)};
   }
 
   WebResponse ChangePassword(WebSession& s, const json& body) {
@@ -447,14 +540,25 @@ class WebApp::Impl {
     PublishFiles(s, op, answer);
     const bool ok = answer.value("ok", false);
     if (answer.contains("pending")) {
-      if (op != "answer") s.waiting_op = op;
-    } else {
-      // The answer that ends an operation: its own, or the one a box held up.
+      if (op != "answer") {
+        s.waiting_op = op;
+        s.waiting_screen = op == "close" ? req["screen"].get<int>() : 0;
+      }
+    } else if (!(op == "answer" && !ok && !answer.contains("events"))) {
+      // The answer that ends an operation: its own, or the one a box held up (an answer the
+      // driver refused, without events, leaves the box waiting).
       const std::string ended = op == "answer" ? s.waiting_op : op;
-      if (op == "answer") s.waiting_op.clear();
+      const int screen = op == "answer"  ? s.waiting_screen
+                         : op == "close" ? req["screen"].get<int>()
+                                         : 0;
+      if (op == "answer") {
+        s.waiting_op.clear();
+        s.waiting_screen = 0;
+      }
       if (ok && ended == "open" && answer["result"].is_number_integer())
         s.screens.insert(answer["result"].get<int>());
-      if (ok && ended == "close" && op == "close") s.screens.erase(req["screen"].get<int>());
+      // The host closes the screen even when its Clear fails.
+      if (ended == "close") s.screens.erase(screen);
     }
     return {ok ? 200 : 422, std::move(answer), ""};
   }
@@ -542,7 +646,8 @@ class WebApp::Impl {
                              {"database", config_.database},
                              {"user", s.user},
                              {"login_date", s.login_date},
-                             {"app_path", config_.app_path}});
+                             {"app_path", PersonFolder(config_.app_path, s.user)},
+                             {"shared_path", config_.app_path}});
     if (!a.value("ok", false))
       return Status::Error("cannot open the session: " + a.value("error", std::string()));
     s.driver = std::move(driver);
@@ -577,16 +682,31 @@ class WebApp::Impl {
     sessions_.erase(it);
   }
 
-  void SweepIdleSessions() {
-    const auto now = Clock::now();
+  // Closes idle sessions every sweep_every, and removes old files every sweep_files_every,
+  // on this thread of its own, so no person's request waits for it.
+  void SweepLoop() {
+    auto last_files = Clock::now();
+    std::unique_lock lock(sweeper_mu_);
+    while (!sweeper_cv_.wait_for(lock, config_.sweep_every, [this] { return stopping_; })) {
+      lock.unlock();
+      const auto now = Clock::now();
+      SweepIdleSessions(now);
+      throttle_.Prune(now);
+      if (now - last_files >= config_.sweep_files_every) {
+        last_files = now;
+        SweepOldFiles(config_.app_path, config_.file_age);
+      }
+      lock.lock();
+    }
+  }
+
+  void SweepIdleSessions(Clock::time_point now) {
     std::vector<std::shared_ptr<WebSession>> gone;
     {
       std::lock_guard lock(sessions_mu_);
-      if (now - last_sweep_ < kSweepEvery) return;
-      last_sweep_ = now;
       for (auto it = sessions_.begin(); it != sessions_.end();) {
         std::unique_lock busy(it->second->mu, std::try_to_lock);
-        if (busy && now - it->second->last_used > config_.idle_limit) {
+        if (busy && now - it->second->last_used.load() > config_.idle_limit) {
           busy.unlock();
           gone.push_back(std::move(it->second));
           it = sessions_.erase(it);
@@ -605,8 +725,29 @@ class WebApp::Impl {
   std::unique_ptr<UserStore> users_;
   mutable std::mutex sessions_mu_;
   std::map<std::string, std::shared_ptr<WebSession>> sessions_;
-  Clock::time_point last_sweep_ = Clock::now();
+  SignInThrottle throttle_;
+  std::mutex sweeper_mu_;
+  std::condition_variable sweeper_cv_;
+  bool stopping_ = false;
+  std::thread sweeper_;
 };
+
+std::string PersonFolder(const std::string& app_path, const std::string& user) {
+  static const char* kHex = "0123456789ABCDEF";
+  std::string name;
+  for (unsigned char ch : user) {
+    const bool plain = (ch >= '0' && ch <= '9') || (ch >= 'A' && ch <= 'Z') ||
+                       (ch >= 'a' && ch <= 'z') || ch == '-' || ch == '_';
+    if (plain || ch >= 0x80) {
+      name += static_cast<char>(ch);
+    } else {
+      name += '%';
+      name += kHex[ch >> 4];
+      name += kHex[ch & 15];
+    }
+  }
+  return (std::filesystem::path(app_path) / "users" / name).string();
+}
 
 WebApp::WebApp(WebConfig config) : impl_(std::make_unique<Impl>(std::move(config))) {}
 WebApp::~WebApp() = default;

@@ -6,6 +6,9 @@
 #include <filesystem>
 #include <thread>
 
+#include "kvhost/protocol.h"
+#include "kvhost/web/tls.h"
+
 namespace kvhost::web {
 namespace {
 
@@ -29,6 +32,10 @@ bool HasIndex(const std::filesystem::path& dir) {
 
 }  // namespace
 
+bool UsesTls(const ServeOptions& options) {
+  return !options.cert_file.empty() || !IsLoopback(options.bind);
+}
+
 std::string FindStaticDir() {
   std::error_code ec;
   const auto exe = std::filesystem::read_symlink("/proc/self/exe", ec);
@@ -46,11 +53,21 @@ std::string FindStaticDir() {
 
 class WebServer::Transport {
  public:
-  httplib::Server server;
+  // An httplib::SSLServer with TLS; made by Start.
+  std::unique_ptr<httplib::Server> server;
 };
 
+namespace {
+
+ServeOptions WithCookieFlag(ServeOptions options) {
+  options.app.secure_cookie = options.app.secure_cookie || UsesTls(options);
+  return options;
+}
+
+}  // namespace
+
 WebServer::WebServer(ServeOptions options)
-    : options_(std::move(options)),
+    : options_(WithCookieFlag(std::move(options))),
       app_(std::make_unique<WebApp>(options_.app)),
       transport_(std::make_unique<Transport>()) {}
 
@@ -61,12 +78,30 @@ Status WebServer::Start(std::string& one_time_password) {
   if (static_dir_.empty() || !HasIndex(static_dir_))
     return Status::Error("the browser client's files are not found (index.html in \"" +
                          static_dir_ + "\"); name their folder with --static DIR");
+  if (UsesTls(options_)) {
+    std::string cert = options_.cert_file, key = options_.key_file;
+    if (cert.empty() != key.empty())
+      return Status::Error("a certificate and its key are given together (--cert FILE --key FILE)");
+    if (cert.empty()) {
+      const std::string folder =
+          options_.tls_dir.empty() ? (std::filesystem::path(options_.app.app_path) / "tls").string()
+                                   : options_.tls_dir;
+      if (Status s = EnsureSelfSignedPair(folder, options_.bind, cert, key); !s.ok()) return s;
+    }
+    auto server = std::make_unique<httplib::SSLServer>(cert.c_str(), key.c_str());
+    if (!server->is_valid())
+      return Status::Error("cannot serve TLS with the certificate " + cert + " and the key " + key);
+    transport_->server = std::move(server);
+    cert_in_use_ = cert;
+  } else {
+    transport_->server = std::make_unique<httplib::Server>();
+  }
   if (Status s = app_->Start(one_time_password); !s.ok()) return s;
 
-  httplib::Server& svr = transport_->server;
+  httplib::Server& svr = *transport_->server;
   const size_t threads = static_cast<size_t>(std::max(options_.threads, 2));
   svr.new_task_queue = [threads] { return new httplib::ThreadPool(threads); };
-  svr.set_payload_max_length(1 << 20);
+  svr.set_payload_max_length(kMaxRequestBytes);
   svr.set_default_headers(SecurityHeaders());
   svr.set_file_extension_and_mimetype_mapping("html", "text/html; charset=utf-8");
   svr.set_file_extension_and_mimetype_mapping("js", "text/javascript; charset=utf-8");
@@ -84,6 +119,7 @@ Status WebServer::Start(std::string& one_time_password) {
     r.csrf = req.get_header_value(kCsrfHeader);
     r.origin = req.get_header_value("Origin");
     r.host = req.get_header_value("Host");
+    r.remote_address = req.remote_addr;
     WebResponse a = app_->Handle(r);
     res.status = a.status;
     res.set_header("Cache-Control", "no-store");
@@ -120,7 +156,7 @@ Status WebServer::Start(std::string& one_time_password) {
 
 void WebServer::Run() {
   running_ = true;
-  if (!stop_requested_) transport_->server.listen_after_bind();
+  if (!stop_requested_ && transport_->server) transport_->server->listen_after_bind();
   running_ = false;
 }
 
@@ -128,7 +164,7 @@ void WebServer::Stop() {
   stop_requested_ = true;
   // Run may be about to listen: stop it once it does.
   while (running_) {
-    if (transport_->server.is_running()) transport_->server.stop();
+    if (transport_->server && transport_->server->is_running()) transport_->server->stop();
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
 }

@@ -21,7 +21,17 @@ struct ServeOptions {
   // Threads serving connections. A browser keeps up to six connections open, each holding a
   // thread while it is kept alive, so the pool is sized for several browsers per core.
   int threads = 64;
+  // TLS. A server bound beyond the loopback always speaks it: with this certificate and key
+  // (PEM files), or, when none are given, with a self-signed pair it makes at its first run
+  // in tls_dir ("" for app_path + "/tls"). On the loopback it speaks plain HTTP unless a
+  // certificate is given.
+  std::string cert_file;
+  std::string key_file;
+  std::string tls_dir;
 };
+
+// Whether a server with these options speaks TLS.
+bool UsesTls(const ServeOptions& options);
 
 // The folder of the browser client: beside the executable (web/static), else the source
 // tree's src/kvhost/web/static. "" when neither holds index.html.
@@ -37,6 +47,9 @@ class WebServer {
   // Starts the application (see WebApp::Start) and binds the port.
   Status Start(std::string& one_time_password);
   int port() const { return port_; }
+  bool tls() const { return UsesTls(options_); }
+  // The certificate in use ("" without TLS).
+  const std::string& cert_file() const { return cert_in_use_; }
   const std::string& static_dir() const { return static_dir_; }
   WebApp& app() { return *app_; }
 
@@ -48,6 +61,7 @@ class WebServer {
   class Transport;
   ServeOptions options_;
   std::string static_dir_;
+  std::string cert_in_use_;
   std::unique_ptr<WebApp> app_;
   std::unique_ptr<Transport> transport_;
   int port_ = 0;

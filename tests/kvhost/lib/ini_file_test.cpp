@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <thread>
+#include <vector>
 
 namespace kvhost {
 namespace {
@@ -80,7 +82,7 @@ TEST_F(IniFileTest, ReadsHandWrittenFiles) {
   EXPECT_FALSE(ini.ReadBool("Vs", "VsFixedCols", /*default_value=*/true));
 }
 
-TEST_F(IniFileTest, TwoObjectsOnOneFileKeepEachOthersWrites) {
+TEST_F(IniFileTest, ObjectsOnOneFileKeepEachOthersWrites) {
   IniFile walk;
   walk.FileName(path);
   IniFile layout;
@@ -93,6 +95,28 @@ TEST_F(IniFileTest, TwoObjectsOnOneFileKeepEachOthersWrites) {
   reader.FileName(path);
   EXPECT_EQ(reader.ReadInt("VsColWidth", "VsCol1", 0), 900);
   EXPECT_EQ(reader.ReadString("Form", "TEXTBOX_Text1", ""), "甲");
+
+  // Four threads (one person's sessions closing screens at once) each save 15 keys.
+  std::vector<std::thread> savers;
+  for (int t = 0; t < 4; ++t) {
+    savers.emplace_back([this, t] {
+      IniFile ini;
+      ini.FileName(path);
+      for (int k = 0; k < 15; ++k)
+        ini.WriteInt("VsColWidth" + std::to_string(t), "VsCol" + std::to_string(k), 100 + k);
+    });
+  }
+  for (std::thread& saver : savers) saver.join();
+  int kept = 0;
+  for (int t = 0; t < 4; ++t) {
+    for (int k = 0; k < 15; ++k)
+      kept += reader.ReadInt("VsColWidth" + std::to_string(t), "VsCol" + std::to_string(k), 0) ==
+              100 + k;
+  }
+  EXPECT_EQ(kept, 60);
+  EXPECT_EQ(reader.ReadInt("VsColWidth", "VsCol1", 0), 900);
+  // No temporary file is left behind.
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 1);
 }
 
 TEST_F(IniFileTest, LineBreaksAndUnwritableFoldersDoNotBreakTheFile) {

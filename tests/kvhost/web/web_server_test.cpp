@@ -10,8 +10,10 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 
+#include "kvhost/lib/print_data.h"
 #include "kvhost/web/user_store.h"
 #include "mrvk/frame/print_pipeline.h"
 #include "mrvk/master/pdm_yz.h"
@@ -26,6 +28,8 @@ using nlohmann::json;
 constexpr int kFastHash = 1000;  // the slow hash's minimum: tests sign in many times
 constexpr int kOwnersProgID = 870004;
 constexpr int kPrintingProgID = 990004;
+constexpr int kDocumentProgID = 990005;
+constexpr int kAskingProgID = 990006;
 
 // The owners' list with a print preview of its grid, as a report prints: the page it makes
 // comes with the answer's "documents".
@@ -35,6 +39,33 @@ class PrintingOwners : public mrvk::PDMYz {
     std::string error;
     return mrvk::PrintGrid(*context_, mrvk::ReportPrintSettings(*context_, kPrintingProgID),
                            "客户清单", "", Vs, /*direct=*/false, /*setup=*/false, "", error);
+  }
+};
+
+// A sheet whose printed document names its clerk. It asks a question between writing its
+// print data file and handing the file to the host, so another clerk can print meanwhile.
+class DocumentPrintingOwners : public mrvk::PDMYz {
+ public:
+  bool PrintPreview() override {
+    file_ = mrvk::PrintDataFile(*context_, kDocumentProgID);
+    PrintData data;
+    data.Section(mrvk::Variant(1)).SetField("经办人", context_->Environment().UserName());
+    data.Save(file_);
+    mrvk::MsgBox("预览吗？");
+    return true;
+  }
+  std::string ReturnPrintName() override { return file_; }
+
+ private:
+  std::string file_;
+};
+
+// The owners' list asking a question while it closes.
+class AskingOwners : public mrvk::PDMYz {
+ public:
+  void DoSaveFormStatus() override {
+    mrvk::MsgBox("保存布局吗？");
+    mrvk::PDMYz::DoSaveFormStatus();
   }
 };
 
@@ -57,6 +88,9 @@ class WebServerTest : public kvtest::EngineTest {
     if (IsSkipped() || HasFatalFailure()) return;
     static const bool registered = [] {
       mrvk::RegisterClass("PrintingOwners", [] { return std::make_unique<PrintingOwners>(); });
+      mrvk::RegisterClass("DocumentPrintingOwners",
+                          [] { return std::make_unique<DocumentPrintingOwners>(); });
+      mrvk::RegisterClass("AskingOwners", [] { return std::make_unique<AskingOwners>(); });
       return true;
     }();
     (void)registered;
@@ -68,8 +102,11 @@ class WebServerTest : public kvtest::EngineTest {
     ServeOptions options;
     options.app.database = url();
     options.app.app_path = app_path_.string();
-    options.app.extra_menu = {{kPrintingProgID, "客户清单", "测试", "PrintingOwners", 1}};
+    options.app.extra_menu = {{kPrintingProgID, "客户清单", "测试", "PrintingOwners", 1},
+                              {kDocumentProgID, "业主单据", "测试", "DocumentPrintingOwners", 2},
+                              {kAskingProgID, "业主", "测试", "AskingOwners", 3}};
     options.app.hash_iterations = kFastHash;
+    options.app.first_lock = std::chrono::seconds(1);
     options.app.recheck_user = std::chrono::seconds(0);
     options.port = 0;
     options.static_dir = MRVK_WEB_STATIC_DIR;
@@ -224,6 +261,45 @@ TEST_P(WebServerTest, SignInRefusalsAndTheWorkingDate) {
   EXPECT_EQ(Error(r), "a sign-in names \"user\" and \"password\"");
 }
 
+TEST_P(WebServerTest, SignInIsThrottledByNameAndByAddress) {
+  UserStore users(db(), kFastHash);
+  for (const char* name : {"甲", "乙", "丙", "丁", "戊"})
+    ASSERT_TRUE(users.Add(name, "clerk-password").ok());
+  Browser b;
+  for (int i = 0; i < 5; ++i) ASSERT_EQ(SignIn("甲", "wrong-password", b).status, 401);
+  // Five failures lock the name, even for the right password; another name still signs in.
+  Reply r = SignIn("甲", "clerk-password", b);
+  EXPECT_EQ(r.status, 429);
+  EXPECT_EQ(Error(r), "登录尝试过多，请稍后再试");
+  EXPECT_EQ(SignIn("乙", "clerk-password", b).status, 200);
+  // Twenty failures from one address lock it for every name.
+  for (const char* name : {"乙", "丙", "丁"}) {
+    for (int i = 0; i < 5; ++i) ASSERT_EQ(SignIn(name, "wrong-password", b).status, 401);
+  }
+  r = SignIn("戊", "clerk-password", b);
+  EXPECT_EQ(r.status, 429);
+  EXPECT_EQ(Error(r), "登录尝试过多，请稍后再试");
+  // The lock (one second in these tests) runs out; one more failure locks again at once.
+  std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+  EXPECT_EQ(SignIn("戊", "clerk-password", b).status, 200);
+  EXPECT_EQ(SignIn("甲", "wrong-password", b).status, 401);
+  EXPECT_EQ(SignIn("甲", "clerk-password", b).status, 429);
+}
+
+TEST_P(WebServerTest, APersonKeepsAtMostEightSessions) {
+  Browser first = Clerk("甲");
+  Browser second;
+  ASSERT_EQ(SignIn("甲", "clerk-password", second).status, 200);
+  ASSERT_EQ(Send("GET", "/api/session", "", &first).status, 200);
+  std::vector<Browser> later(7);
+  for (Browser& b : later) ASSERT_EQ(SignIn("甲", "clerk-password", b).status, 200);
+  EXPECT_EQ(server_->app().SessionCount(), 8u);
+  // The least recently used session was closed; the others work on.
+  EXPECT_EQ(Send("GET", "/api/session", "", &second).status, 401);
+  EXPECT_EQ(Send("GET", "/api/session", "", &first).status, 200);
+  for (const Browser& b : later) EXPECT_EQ(Send("GET", "/api/session", "", &b).status, 200);
+}
+
 TEST_P(WebServerTest, BadRequestsGetAClear4xxAndChangeNothing) {
   Browser clerk = Clerk("王五");
   const int screen = Open(clerk, 870001);
@@ -259,6 +335,10 @@ TEST_P(WebServerTest, BadRequestsGetAClear4xxAndChangeNothing) {
   wrong_token.csrf = std::string(64, '0');
   Browser stale = clerk;
   stale.cookie = "mrvk_session=" + std::string(64, 'a');
+  // 600 KB of nested arrays: walking them would overflow a thread's stack.
+  const std::string deep = R"({"op":"call","screen":)" + std::to_string(screen) +
+                           R"(,"method":"FileSave","args":)" + std::string(300000, '[') +
+                           std::string(300000, ']') + "}";
   const std::vector<Case> cases = {
       {"no session", Post("/api/protocol", save, &no_session), 401,
        "未登录或登录已过期，请重新登录"},
@@ -272,6 +352,8 @@ TEST_P(WebServerTest, BadRequestsGetAClear4xxAndChangeNothing) {
       {"malformed JSON", Send("POST", "/api/protocol", "{\"op\":\"call\",", &clerk), 400, ""},
       {"not an object", Send("POST", "/api/protocol", "[1,2]", &clerk), 400,
        "a request is a JSON object"},
+      {"nested too deeply", Send("POST", "/api/protocol", deep, &clerk), 400,
+       "the request nests arrays and objects deeper than 64 levels"},
       {"no op", Protocol(clerk, {{"screen", screen}}), 400, "missing field \"op\""},
       {"unknown op", Protocol(clerk, {{"op", "explode"}}), 400, "unknown op \"explode\""},
       {"sql", Protocol(clerk, {{"op", "sql"}, {"query", "delete from fwly"}}), 403, ""},
@@ -384,6 +466,16 @@ TEST_P(WebServerTest, AQuestionWaitingForOnePersonBlocksNoOneElse) {
   ASSERT_EQ(r.status, 200) << r.body.dump();
   EXPECT_EQ(r.body["result"], false);
   EXPECT_EQ(Scalar("select count(*) from fwly"), "1");
+
+  // A close held up by a question: the screen is gone once the answer ends the close.
+  const int asking = Open(a, kAskingProgID);
+  r = Protocol(a, {{"op", "close"}, {"screen", asking}});
+  ASSERT_TRUE(r.body.contains("pending")) << r.body.dump();
+  ASSERT_EQ(Protocol(a, {{"op", "answer"}, {"value", "yes"}}).status, 422);  // refused
+  ASSERT_EQ(Protocol(a, {{"op", "answer"}, {"value", 1}}).status, 200);
+  r = Protocol(a, {{"op", "state"}, {"screen", asking}});
+  EXPECT_EQ(r.status, 404);
+  EXPECT_EQ(Error(r), "no screen " + std::to_string(asking) + " is open in this session");
 }
 
 TEST_P(WebServerTest, ServesTheClientWithStrictHeaders) {
@@ -402,6 +494,42 @@ TEST_P(WebServerTest, ServesTheClientWithStrictHeaders) {
   ASSERT_TRUE(r);
   EXPECT_EQ(r->status, 401);
   EXPECT_EQ(r->get_header_value("Cache-Control"), "no-store");
+}
+
+TEST_P(WebServerTest, BeyondTheLoopbackItServesTlsWithASecureCookie) {
+  UserStore users(db(), kFastHash);
+  ASSERT_TRUE(users.Add("甲", "clerk-password").ok());
+  ServeOptions options;
+  options.app.database = url();
+  options.app.app_path = (app_path_ / "office").string();
+  options.app.hash_iterations = kFastHash;
+  options.bind = "0.0.0.0";
+  options.port = 0;
+  options.static_dir = MRVK_WEB_STATIC_DIR;
+  options.threads = 2;
+  WebServer server(options);
+  std::string none;
+  ASSERT_TRUE(server.Start(none).ok());
+  std::thread run([&server] { server.Run(); });
+  // Its own certificate, made at the first start; the key is the owner's alone.
+  const auto key = app_path_ / "office" / "tls" / "server.key";
+  ASSERT_TRUE(std::filesystem::is_regular_file(app_path_ / "office" / "tls" / "server.crt"));
+  EXPECT_EQ(std::filesystem::status(key).permissions() & std::filesystem::perms::all,
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+
+  httplib::SSLClient tls("127.0.0.1", server.port());
+  tls.enable_server_certificate_verification(false);
+  auto r = tls.Post("/api/signin", json({{"user", "甲"}, {"password", "clerk-password"}}).dump(),
+                    "application/json");
+  ASSERT_TRUE(r);
+  EXPECT_EQ(r->status, 200);
+  EXPECT_NE(r->get_header_value("Set-Cookie").find("; Secure"), std::string::npos);
+  httplib::Client plain("127.0.0.1", server.port());
+  plain.set_read_timeout(5, 0);
+  auto refused = plain.Get("/api/session");
+  EXPECT_TRUE(!refused || refused->status != 401) << "plain HTTP was answered";
+  server.Stop();
+  run.join();
 }
 
 TEST_P(WebServerTest, FilesReachOnlyTheSessionWhoseHostMadeThem) {
@@ -497,6 +625,67 @@ TEST_P(WebServerTest, FilesReachOnlyTheSessionWhoseHostMadeThem) {
   // Signing out forgets the session's files.
   ASSERT_EQ(Post("/api/signout", json::object(), &a).status, 200);
   EXPECT_EQ(client_->Get(url.c_str(), cookie_a)->status, 401);
+}
+
+TEST_P(WebServerTest, APrintedDocumentShowsOnlyItsOwnClerksData) {
+  // A name that would reach outside the people's folders as a path.
+  const std::string other = "../乙";
+  Browser a = Clerk("甲");
+  Browser b = Clerk(other);
+  const int a_screen = Open(a, kDocumentProgID);
+  const int b_screen = Open(b, kDocumentProgID);
+  const json preview = {{"op", "call"}, {"method", "PrintPreview"}};
+  json req = preview;
+  req["screen"] = a_screen;
+  ASSERT_TRUE(Protocol(a, req).body.contains("pending"));
+  // While a's question waits, b prints a document of the same kind.
+  req["screen"] = b_screen;
+  ASSERT_TRUE(Protocol(b, req).body.contains("pending"));
+  Reply r = Protocol(b, {{"op", "answer"}, {"value", 1}});
+  ASSERT_EQ(r.status, 200) << r.body.dump();
+  auto page = client_->Get(r.body["documents"][0].value("url", "").c_str(), {{"Cookie", b.cookie}});
+  ASSERT_TRUE(page);
+  EXPECT_NE(page->body.find("../乙"), std::string::npos);
+
+  r = Protocol(a, {{"op", "answer"}, {"value", 1}});
+  ASSERT_EQ(r.status, 200) << r.body.dump();
+  ASSERT_EQ(r.body["documents"].size(), 1u) << r.body.dump();
+  page = client_->Get(r.body["documents"][0].value("url", "").c_str(), {{"Cookie", a.cookie}});
+  ASSERT_TRUE(page);
+  EXPECT_NE(page->body.find("甲"), std::string::npos) << page->body;
+  EXPECT_EQ(page->body.find("乙"), std::string::npos) << page->body;
+  // b's files stay below the people's folders.
+  EXPECT_TRUE(std::filesystem::is_regular_file(app_path_ / "users" / "%2E%2E%2F乙" / "selfPrint" /
+                                               (std::to_string(kDocumentProgID) + ".txt")));
+}
+
+TEST_P(WebServerTest, OldExportsAndPrintFilesAreSweptAtTheStart) {
+  namespace fs = std::filesystem;
+  const fs::path mine = app_path_ / "users" / "甲";
+  const auto day_ago = fs::file_time_type::clock::now() - std::chrono::hours(25);
+  auto make = [](const fs::path& file, bool old, fs::file_time_type when) {
+    fs::create_directories(file.parent_path());
+    std::ofstream(file) << "x";
+    if (old) fs::last_write_time(file, when);
+    return file;
+  };
+  const std::vector<fs::path> gone = {
+      make(mine / "selfExport" / "PDMYz-Vs-1.xlsx", true, day_ago),
+      make(mine / "selfPrint" / "870201.txt", true, day_ago),
+      make(mine / "selfPrint" / "preview" / "870201-1.html", true, day_ago)};
+  const std::vector<fs::path> kept = {
+      make(mine / "selfExport" / "PDMYz-Vs-2.xlsx", false, day_ago),
+      make(app_path_ / "selfPrint" / "870201.layout.html", true, day_ago),
+      make(mine / "selfbb" / "PDMYz.txt", true, day_ago)};
+  WebConfig config;
+  config.database = url();
+  config.app_path = app_path_.string();
+  config.hash_iterations = kFastHash;
+  WebApp second(config);
+  std::string none;
+  ASSERT_TRUE(second.Start(none).ok());
+  for (const fs::path& f : gone) EXPECT_FALSE(fs::exists(f)) << f;
+  for (const fs::path& f : kept) EXPECT_TRUE(fs::exists(f)) << f;
 }
 
 MRVK_ON_BOTH_ENGINES(WebServerTest);
