@@ -24,8 +24,10 @@ mrvk::Date Today() {
 // call's group.
 //
 // No box waits for an answer inside a bracket: the bracket's write lock would hold every
-// other clerk's save for as long as the person reads. Such a box is a run-time failure of
-// the procedure, whose handler rolls the bracket back.
+// other clerk's save for as long as the person reads. A message box with only an OK button
+// has one answer, so inside a bracket it is answered OK at once and shown when the call has
+// ended, its bracket committed or rolled back; a question, an input box or a dialog there is
+// a run-time failure of the procedure, whose handler rolls the bracket back.
 class CallScope : public mrvk::IUiPort {
  public:
   CallScope(mrvk::IUiPort* port, db::Database& db, bool outermost)
@@ -38,8 +40,20 @@ class CallScope : public mrvk::IUiPort {
     mrvk::SetCurrentUiPort(saved_);
   }
   int MsgBox(const std::string& prompt, int flags, const std::string& title) override {
+    if ((flags & kButtonsMask) == mrvk::msgbox::kOkOnly && db_.InTransaction()) {
+      held_.push_back({prompt, flags, title});
+      return mrvk::msgbox::kOk;
+    }
     BeforeBox("message box", prompt);
     return port_->MsgBox(prompt, flags, title);
+  }
+  // Shows the message boxes held while a bracket was open, in their order.
+  void ShowHeldBoxes() {
+    while (!held_.empty()) {
+      const HeldBox box = std::move(held_.front());
+      held_.erase(held_.begin());
+      port_->MsgBox(box.prompt, box.flags, box.title);
+    }
   }
   std::optional<std::string> InputBox(const std::string& prompt, const std::string& title,
                                       const std::string& default_text) override {
@@ -62,9 +76,17 @@ class CallScope : public mrvk::IUiPort {
                           "the changes could not be committed: " + s.message());
   }
 
+  static constexpr int kButtonsMask = 7;
+  struct HeldBox {
+    std::string prompt;
+    int flags;
+    std::string title;
+  };
+
   mrvk::IUiPort* port_;
   db::Database& db_;
   bool outermost_;
+  std::vector<HeldBox> held_;
   mrvk::IUiPort* saved_;
 };
 
@@ -184,6 +206,13 @@ Status Host::guard_call(const std::string& what, const std::function<void()>& fn
     if (Status s = db.connection().Flush(); !s.ok())
       failure += (failure.empty() ? "" : ". ") +
                  std::string("the changes could not be committed: ") + s.message();
+  }
+  // The boxes held inside a bracket are shown now that no lock is held.
+  try {
+    scope.ShowHeldBoxes();
+  } catch (const mrvk::AbortSignal& e) {
+    if (call_depth_ > 1) throw;
+    failure += (failure.empty() ? "" : ". ") + e.Why();
   }
   if (failure.empty()) return Status::Ok();
   return Status::Error(what + ": " + failure);

@@ -104,8 +104,48 @@ TEST_P(HostTest, ABracketACallLeavesOpenIsRolledBackAtItsEdgeAndOthersWriteAtOnc
     EXPECT_TRUE(other->database().Execute("update fwyz set 类型=类型+1 where 业主ID=1"))
         << c.method << ": " << other->database().Error().Description();
   }
-  EXPECT_TRUE(host().ui().shown.empty());
+  // The question was never shown; the information box was, once the bracket was undone.
+  ASSERT_EQ(host().ui().shown.size(), 1u);
+  EXPECT_EQ(host().ui().shown[0].prompt, "已改名");
   EXPECT_EQ(Scalar("select 类型 from fwyz where 业主ID=1"), "3");
+}
+
+TEST_P(HostTest, AnInformationBoxInsideABracketWaitsForNoLock) {
+  Exec("insert into fwyz (业主ID,业主编号,业主名称,类型) values (1,'Y1','原名',0)");
+  Screen* s = host().open("ProbeSheet", 870004, 0);
+  ASSERT_TRUE(s) << host().last_error();
+  auto other = NewHost();
+  ASSERT_TRUE(other->database()
+                  .connection()
+                  .ExecuteRaw(is_pg() ? "SET lock_timeout = '300ms'" : "PRAGMA busy_timeout = 300")
+                  .ok());
+  // While the person reads the box, another clerk saves.
+  struct Reader : mrvk::IUiPort {
+    Host* other = nullptr;
+    std::string seen, other_error;
+    int MsgBox(const std::string& prompt, int, const std::string&) override {
+      seen += prompt;
+      if (!other->database().Execute("update fwyz set 类型=7 where 业主ID=1"))
+        other_error = other->database().Error().Description();
+      return mrvk::msgbox::kOk;
+    }
+    std::optional<std::string> InputBox(const std::string&, const std::string&,
+                                        const std::string&) override {
+      return std::nullopt;
+    }
+    void ShowModal(mrvk::IModalForm&) override {}
+  } reader;
+  reader.other = other.get();
+  host().set_ui_port(&reader);
+  mrvk::Variant result;
+  EXPECT_EQ(host().invoke(*s, "Help", {}, result).message(),
+            "ProbeSheet.Help: it ended with a transaction still open, which was rolled back: "
+            "none of its changes were saved");
+  host().set_ui_port(nullptr);
+  EXPECT_EQ(reader.seen, "已改名");
+  EXPECT_EQ(reader.other_error, "");
+  EXPECT_EQ(Scalar("select 类型 from fwyz where 业主ID=1"), "7");
+  EXPECT_EQ(Scalar("select 业主名称 from fwyz where 业主ID=1"), "原名");
 }
 
 TEST_P(HostTest, EveryDocumentedClassIsKnownAndUnbuiltOnesSaySo) {

@@ -131,7 +131,8 @@ class ProbeSheet : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk:
     throw mrvk::VbError(mrvk::vb_error::kDivisionByZero, "Division by zero");
   }
   // Brackets left open, for the host's edge of a call: renaming party 1, then a run-time
-  // failure that nothing catches (UnCheck), a question (PrintSetup), or a plain return (Help).
+  // failure that nothing catches (UnCheck), a question (PrintSetup), or a return after an
+  // information box (Help).
   bool UnCheck() override {
     OpenBracket();
     throw mrvk::VbError(mrvk::vb_error::kTypeMismatch, "Type mismatch");
@@ -144,6 +145,7 @@ class ProbeSheet : public mrvk::ModuleObject, public mrvk::IFormUI, public mrvk:
   }
   bool Help() override {
     OpenBracket();
+    mrvk::MsgBox("已改名", mrvk::msgbox::kInformation, "探针");
     return true;
   }
   bool DoSetStatus(const std::string&, bool) override { return false; }

@@ -74,6 +74,7 @@ void IniFile::Load() {
     if (eq == std::string::npos || sections_.empty()) continue;
     sections_.back().entries.emplace_back(Strip(text.substr(0, eq)), Strip(text.substr(eq + 1)));
   }
+  for (const auto& w : held_) Set(w[0], w[1], w[2]);
 }
 
 const std::string* IniFile::Find(const std::string& section, const std::string& key) {
@@ -113,10 +114,26 @@ int16_t IniFile::ReadInt(const std::string& section, const std::string& key,
 void IniFile::WriteString(const std::string& section, const std::string& key,
                           const std::string& value) {
   if (path_.empty()) return;
+  // A line break would end the value early: it is kept as a blank.
+  std::string one_line = value;
+  for (char& ch : one_line) {
+    if (ch == '\n' || ch == '\r') ch = ' ';
+  }
+  if (update_depth_ > 0) {
+    Refresh();
+    Set(section, key, one_line);
+    held_.push_back({section, key, one_line});
+    return;
+  }
   // Read, change and write under the folder's lock, from the file as it is now: the stamp
   // alone could miss a write of another object in the same instant.
   FolderLock lock(path_);
   Load();
+  Set(section, key, one_line);
+  Save();
+}
+
+void IniFile::Set(const std::string& section, const std::string& key, const std::string& value) {
   Section* target = nullptr;
   for (Section& s : sections_) {
     if (SameName(s.name, section)) target = &s;
@@ -125,20 +142,28 @@ void IniFile::WriteString(const std::string& section, const std::string& key,
     sections_.push_back(Section{section, {}});
     target = &sections_.back();
   }
-  // A line break would end the value early: it is kept as a blank.
-  std::string one_line = value;
-  for (char& ch : one_line) {
-    if (ch == '\n' || ch == '\r') ch = ' ';
-  }
   bool found = false;
   for (auto& [k, v] : target->entries) {
     if (SameName(k, key)) {
-      v = one_line;
+      v = value;
       found = true;
     }
   }
-  if (!found) target->entries.emplace_back(key, one_line);
+  if (!found) target->entries.emplace_back(key, value);
+}
+
+void IniFile::EndUpdate() {
+  if (update_depth_ == 0 || --update_depth_ > 0 || held_.empty()) return;
+  FolderLock lock(path_);
+  Load();
   Save();
+  held_.clear();
+}
+
+IniFile::~IniFile() {
+  if (update_depth_ == 0) return;
+  update_depth_ = 1;
+  EndUpdate();
 }
 
 void IniFile::WriteBool(const std::string& section, const std::string& key, bool value) {

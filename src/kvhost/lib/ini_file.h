@@ -7,8 +7,10 @@
 // as it is, changes the key and writes the whole file through a temporary file of its own
 // renamed over it. Reads pick up what another object wrote meanwhile, so several objects on
 // one file (the form walk and the grid layout in it, or threads of one person's sessions)
-// never undo each other's writes. A write that cannot be made (a folder that cannot be written) is
-// dropped; the layout procedures that use the file go on without it.
+// never undo each other's writes. Between BeginUpdate and EndUpdate the writes are kept and
+// made in one go at EndUpdate, the same way: a layout of many keys writes the file once. A write
+// that cannot be made (a folder that cannot be written) is dropped; the layout procedures that use
+// the file go on without it.
 #pragma once
 
 #include <cstdint>
@@ -20,6 +22,12 @@ namespace kvhost {
 
 class IniFile {
  public:
+  IniFile() = default;
+  IniFile(const IniFile&) = delete;
+  IniFile& operator=(const IniFile&) = delete;
+  // Writes still held by an update are made.
+  ~IniFile();
+
   // Sets the file to work on.
   void FileName(const std::string& path);
   const std::string& FileName() const { return path_; }
@@ -40,6 +48,11 @@ class IniFile {
   void WriteBool(const std::string& section, const std::string& key, bool value);
   void WriteInt(const std::string& section, const std::string& key, int value);
 
+  // Holds the writes that follow (reads see them) until the matching EndUpdate, which writes
+  // them all at once; updates nest.
+  void BeginUpdate() { ++update_depth_; }
+  void EndUpdate();
+
  private:
   struct Section {
     std::string name;
@@ -55,13 +68,18 @@ class IniFile {
   Stamp CurrentStamp() const;
   // Reads the file again when it changed since it was read.
   void Refresh();
+  // Reads the file, with the writes held by an update applied over it.
   void Load();
+  void Set(const std::string& section, const std::string& key, const std::string& value);
   const std::string* Find(const std::string& section, const std::string& key);
   void Save();
 
   std::string path_;
   std::vector<Section> sections_;
   Stamp stamp_;
+  // The writes held by an update: section, key, value.
+  std::vector<std::vector<std::string>> held_;
+  int update_depth_ = 0;
 };
 
 }  // namespace kvhost

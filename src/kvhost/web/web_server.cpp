@@ -102,6 +102,10 @@ Status WebServer::Start(std::string& one_time_password) {
   const size_t threads = static_cast<size_t>(std::max(options_.threads, 2));
   svr.new_task_queue = [threads] { return new httplib::ThreadPool(threads); };
   svr.set_payload_max_length(kMaxRequestBytes);
+  // A connection serves many requests before it is closed, and an idle one gives its thread
+  // back after two seconds.
+  svr.set_keep_alive_max_count(1000);
+  svr.set_keep_alive_timeout(2);
   svr.set_default_headers(SecurityHeaders());
   svr.set_file_extension_and_mimetype_mapping("html", "text/html; charset=utf-8");
   svr.set_file_extension_and_mimetype_mapping("js", "text/javascript; charset=utf-8");

@@ -296,6 +296,8 @@ void LoadGridLayout(const std::string& file, VsFlexGrid& grid, bool widthsOnly,
 void SaveGridLayout(const std::string& file, VsFlexGrid& grid, bool widthsOnly) {
   IniFile ini;
   ini.FileName(file);
+  // The keys are written to the file together when the procedure ends.
+  ini.BeginUpdate();
   const std::string suffix = GridSuffix(grid);
   for (int c = 0; c < grid.Cols(); ++c) {
     const std::string key = "VsCol" + std::to_string(c);
@@ -417,6 +419,8 @@ void sbSaveFormStatus(const std::string& pFile, bool pbOnlyColWidth,
                       const kvhost::ControlList& controls) {
   IniFile ini;
   ini.FileName(pFile);
+  // The keys are written to the file together when the procedure ends.
+  ini.BeginUpdate();
   for (kvhost::Control* control : controls) {
     // A control of another class under a known type name is skipped like a failure.
     Step([&] {
