@@ -41,7 +41,7 @@ if [ -z "$e2e_missing" ]; then
   (cd tests/e2e && MRVK_BIN="$build_abs/mrvk" MRVK_E2E_ARTIFACTS="$build_abs/e2e-artifacts" \
      node --test --test-concurrency=1 .) 2>&1 | tee "$e2e_log" || e2e_status=$?
   # node --test passes when it finds no test file: a run must show tests that ran (the
-  # summary's "tests" less "skipped", in the TAP "# " or the spec "ℹ " form).
+  # summary's "tests" less "skipped", in the TAP "# " or the default reporter's "ℹ " form).
   summary() { sed -nE "s/^(# |ℹ )$1 ([0-9]+)\$/\\2/p" "$e2e_log" | tail -n 1; }
   e2e_ran=$(( $(summary tests || true)+0 - $(summary skipped || true)+0 ))
   rm -f "$e2e_log"
