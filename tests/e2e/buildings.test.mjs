@@ -1,24 +1,12 @@
 // The web client in a real browser: sign-in, the buildings sheet from the menu, and every
 // kind of modal layer it brings (alert, question, input box), with a screenshot of each.
-import { after, before, test } from 'node:test';
+import { test } from 'node:test';
 import assert from 'node:assert/strict';
-import { shot, signIn, startBrowser, startServer } from './support.mjs';
+import { session, shot, signIn } from './support.mjs';
 
 let server;
-let browser;
-let context;
 let page;
-
-before(async () => {
-  server = await startServer();
-  ({ browser, context } = await startBrowser());
-  page = await context.newPage();
-});
-
-after(async () => {
-  if (browser) await browser.close();
-  if (server) await server.stop();
-});
+session((s) => ({ server, page } = s));
 
 const field = (i) => page.locator(`.screen:not([hidden]) [data-control="kvTxt(${i})"] input`);
 const tool = (cmd) => page.locator(`#toolbar button[data-cmd="${cmd}"]`);

@@ -1,27 +1,13 @@
 // The owners' list in a real browser: the entry dialog's form (new, a refused missing name
 // and duplicate, Esc), editing by a double click on a row, the grid export downloaded as CSV, and delete
 // with its question; screenshots of each step.
-import { after, before, test } from 'node:test';
+import { test } from 'node:test';
 import assert from 'node:assert/strict';
 import { readFile } from 'node:fs/promises';
-import { shot, signIn, startBrowser, startServer } from './support.mjs';
+import { session, shot } from './support.mjs';
 
-let server;
-let browser;
-let context;
 let page;
-
-before(async () => {
-  server = await startServer();
-  ({ browser, context } = await startBrowser());
-  page = await context.newPage();
-  await signIn(page, server.url, 'admin', server.password, 'e2e-secret-2');
-});
-
-after(async () => {
-  if (browser) await browser.close();
-  if (server) await server.stop();
-});
+session((s) => ({ page } = s), 'e2e-secret-2');
 
 const OWNERS = 870004;
 const screen = `.screen[data-prog="${OWNERS}"]`;
