@@ -72,15 +72,13 @@ class GridLayoutTest : public ::testing::Test {
   std::string file;
 };
 
-TEST_F(GridLayoutTest, LayoutPathMakesTheFolder) {
+TEST_F(GridLayoutTest, FirstUseWritesTheDefaultsAndAHiddenColumnKeepsItsWidth) {
   EXPECT_EQ(file, (dir / "selfbb" / "RPT_Test.txt").string());
   EXPECT_TRUE(fs::is_directory(dir / "selfbb"));
-  EXPECT_FALSE(fs::exists(file));
-}
-
-TEST_F(GridLayoutTest, FirstUseWritesTheDefaultsAndAHiddenColumnKeepsItsWidth) {
   VsFlexGrid grid("Vs");
   Fill(grid);
+  LoadGridLayout(file, grid, /*widthsOnly=*/true, *context);
+  EXPECT_FALSE(fs::exists(file));  // loading widths only writes nothing
   LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
   ASSERT_TRUE(fs::exists(file));
   EXPECT_EQ(Read("VsColWidth", "VsCol2"), "800");
@@ -172,13 +170,6 @@ TEST_F(GridLayoutTest, WidthsOnlyTouchesNothingButWidths) {
   EXPECT_EQ(Column(grid, 3).front(), "1200.5");  // sorted by rent, descending
 }
 
-TEST_F(GridLayoutTest, WidthsOnlyOnAMissingFileWritesNothing) {
-  VsFlexGrid grid("Vs");
-  Fill(grid);
-  LoadGridLayout(file, grid, /*widthsOnly=*/true, *context);
-  EXPECT_FALSE(fs::exists(file));
-}
-
 TEST_F(GridLayoutTest, NumberFormatsFollowTheDataTypeTheDecimalsAndTheVersion) {
   context->options["9"] = "3";   // decimals of value type 3
   context->options["14"] = "0";  // decimals of value type 8
@@ -204,14 +195,10 @@ TEST_F(GridLayoutTest, NumberFormatsFollowTheDataTypeTheDecimalsAndTheVersion) {
   set(8, 5, ".00");  // nothing before the point: the statement fails and is skipped
   grid.ColFormat(8) = "0.0";
   LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
-  EXPECT_EQ(grid.ColFormat(1), "#,##0.#");
-  EXPECT_EQ(grid.ColFormat(2), "#,##0.###");
-  EXPECT_EQ(grid.ColFormat(3), "#,##0");
-  EXPECT_EQ(grid.ColFormat(4), "0.000");
-  EXPECT_EQ(grid.ColFormat(5), "");
-  EXPECT_EQ(grid.ColFormat(6), "yyyy-mm-dd");
-  EXPECT_EQ(grid.ColFormat(7), "0.0");
-  EXPECT_EQ(grid.ColFormat(8), "0.0");
+  std::vector<std::string> formats;
+  for (int c = 1; c <= 8; ++c) formats.push_back(grid.ColFormat(c));
+  EXPECT_EQ(formats, (std::vector<std::string>{"#,##0.#", "#,##0.###", "#,##0", "0.000", "",
+                                               "yyyy-mm-dd", "0.0", "0.0"}));
   EXPECT_EQ(grid.ColDataType(8), 5);  // the statements around it ran
 
   // Version 700 ends the integer part in "#".
@@ -275,8 +262,7 @@ TEST_F(GridLayoutTest, GridColourAndSystemColours) {
   int r = -1, g = -1, b = -1;
   EXPECT_TRUE(SplitColour(0x123456, r, g, b));
   EXPECT_EQ((std::vector<int>{r, g, b}), (std::vector<int>{0x56, 0x34, 0x12}));
-  // System colour 5 (window background) is white.
-  EXPECT_TRUE(SplitColour(static_cast<int32_t>(0x80000005), r, g, b));
+  EXPECT_TRUE(SplitColour(static_cast<int32_t>(0x80000005), r, g, b));  // the window's white
   EXPECT_EQ((std::vector<int>{r, g, b}), (std::vector<int>{255, 255, 255}));
   EXPECT_FALSE(SplitColour(0x01000000, r, g, b));
 
@@ -338,27 +324,22 @@ TEST_F(GridLayoutTest, TheFormWalkKeepsEveryControlTypeAndSkipsFailures) {
   saved.vs.ColWidth(2) = 1700;
   saved.search.status = "fields=编号";
   sbSaveFormStatus(file, /*pbOnlyColWidth=*/false, saved.list);
-  EXPECT_EQ(Read("Form", "KVTXT_S_kvTxt_3_Text"), "A01栋");
-  EXPECT_EQ(Read("Form", "KVTXT_S_kvTxt_3_Value"), "42");
-  EXPECT_EQ(Read("Form", "OPTIONBUTTON_optXB_1"), "1");
-  EXPECT_EQ(Read("Form", "KVGRID_kvGrid_Col1"), "2500");
-  EXPECT_EQ(Read("VsColWidth", "VsCol2"), "1700");
+  EXPECT_EQ(Read("Form", "KVTXT_S_kvTxt_3_Text") + "|" + Read("Form", "KVTXT_S_kvTxt_3_Value") +
+                "|" + Read("Form", "OPTIONBUTTON_optXB_1") + "|" +
+                Read("Form", "KVGRID_kvGrid_Col1") + "|" + Read("VsColWidth", "VsCol2"),
+            "A01栋|42|1|2500|1700");
 
   Write("Form", "CHECKBOX_chk_bad", "x");  // an unknown key is ignored
   Screen loaded;
   sbGetFormStatus(file, /*pbOnlyColWidth=*/false, loaded.list, *context);
-  EXPECT_EQ(loaded.txt.Text, "A01栋");
-  EXPECT_EQ(loaded.txt.Value.ToLong(), 42);
-  EXPECT_EQ(loaded.check.Value, 1);
-  EXPECT_EQ(loaded.text.Text, "备注");
-  EXPECT_EQ(loaded.combo.Text, "住宅");
-  EXPECT_FALSE(loaded.opt0.Value);
-  EXPECT_TRUE(loaded.opt1.Value);
   ASSERT_NE(loaded.tree.SelectedItem(), nullptr);
-  EXPECT_EQ(loaded.tree.SelectedItem()->Text, "南区");
-  EXPECT_EQ(loaded.detail.ColWidth(1), 2500);
-  EXPECT_EQ(loaded.vs.ColWidth(2), 1700);
-  EXPECT_EQ(loaded.search.status, "fields=编号");
+  EXPECT_EQ(loaded.txt.Text + "|" + loaded.txt.Value.ToString() + "|" + loaded.text.Text + "|" +
+                loaded.combo.Text + "|" + loaded.tree.SelectedItem()->Text + "|" +
+                loaded.search.status,
+            "A01栋|42|备注|住宅|南区|fields=编号");
+  EXPECT_EQ((std::vector<int>{loaded.check.Value, loaded.opt0.Value, loaded.opt1.Value,
+                              loaded.detail.ColWidth(1), loaded.vs.ColWidth(2)}),
+            (std::vector<int>{1, 0, 1, 2500, 1700}));
 
   // A detail grid with fewer columns than the file, and a tree without the saved node: the
   // rest of the walk still runs.
