@@ -11,7 +11,8 @@ session((s) => ({ server, page } = s));
 const field = (i) => page.locator(`.screen:not([hidden]) [data-control="kvTxt(${i})"] input`);
 const tool = (cmd) => page.locator(`#toolbar button[data-cmd="${cmd}"]`);
 const nodes = () => page.locator('.screen:not([hidden]) .tree .node .label').allTextContents();
-const selected = () => page.locator('.screen:not([hidden]) .tree .node.selected .label').textContent();
+const selectedIs = (text) => page.waitForFunction((t) =>
+  document.querySelector('.tree .node.selected .label')?.textContent === t, text);
 
 async function typeField(i, text) {
   await field(i).fill(text);
@@ -122,18 +123,14 @@ test('buildings: create, duplicate code, edit, delete, find, navigate', async ()
   await input.locator('input').fill('tower');
   await shot(page, '06-inputbox');
   await input.locator('button:text("确定")').click();
-  await page.waitForFunction(() =>
-    document.querySelector('.tree .node.selected .label')?.textContent === 'C01 Tower East');
+  await selectedIs('C01 Tower East');
 
   // Navigation moves the selection and the fields follow.
   await tool('RecordPrevious').click();
-  await page.waitForFunction(() =>
-    document.querySelector('.tree .node.selected .label')?.textContent === 'B01 一号楼');
+  await selectedIs('B01 一号楼');
   assert.equal(await field(0).inputValue(), 'B01');
   await tool('RecordNext').click();
-  await page.waitForFunction(() =>
-    document.querySelector('.tree .node.selected .label')?.textContent === 'C01 Tower East');
-  assert.equal(await selected(), 'C01 Tower East');
+  await selectedIs('C01 Tower East');
 });
 
 test('several screens as tabs; a picker fills a bound field', async () => {

@@ -1,6 +1,6 @@
 // The owners' list in a real browser: the entry dialog's form (new, a refused missing name
-// and duplicate, Esc), editing by a double click on a row, the grid export downloaded as CSV, and delete
-// with its question; screenshots of each step.
+// and duplicate, Esc), editing by a double click on a row, the grid export downloaded as CSV and
+// the print preview; screenshots of each step.
 import { test } from 'node:test';
 import assert from 'node:assert/strict';
 import { readFile } from 'node:fs/promises';
@@ -162,18 +162,4 @@ test('print preview: the list grid as a page in a frame with a print button', as
   assert.equal(await inner.evaluate(() => window.printed === true), true);
   await layer.locator('button:text("关闭")').click();
   await layer.waitFor({ state: 'detached' });
-});
-
-test('owners: delete asks first', async () => {
-  await idle();
-  await page.locator(`${screen} [data-control="Vs"] tbody tr td`, { hasText: '张三丰' }).click();
-  await tool('FileDelete').click();
-  const box = page.locator('[data-layer="msgbox"]');
-  await box.waitFor();
-  assert.equal(await box.locator('.text').textContent(), '是否删除当前行记录');
-  assert.equal(await box.locator('.title span').textContent(), '提示:');
-  await shot(page, '13-owner-delete');
-  await box.locator('button[data-answer="6"]').click();
-  await page.waitForFunction((sel) => document.querySelectorAll(sel).length === 0,
-    `${screen} [data-control="Vs"] tbody tr`);
 });
