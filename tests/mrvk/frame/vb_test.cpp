@@ -86,13 +86,6 @@ TEST(Variant, ConvertsAsTheLogicExpects) {
   EXPECT_FALSE(Variant() == Variant::Null());
 }
 
-TEST(SqlText, DoublesQuotesAndNothingElse) {
-  EXPECT_EQ(SqlText("O'Brien"), "O''Brien");
-  EXPECT_EQ(SqlText("''"), "''''");
-  EXPECT_EQ(SqlText("a\\b;--c"), "a\\b;--c");
-  EXPECT_EQ(SqlQuoted("张'三"), "'张''三'");
-}
-
 TEST(ReviseBillNumber, RaisesTheRevisionBehindTheLastDash) {
   struct Case {
     const char* number;
