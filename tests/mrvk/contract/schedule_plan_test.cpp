@@ -2,6 +2,7 @@
 // numbers, without a database.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,16 @@ std::string Rows(const std::vector<SchedulePeriod>& periods) {
   for (const auto& p : periods)
     out += p.start.ToText() + ".." + p.end.ToText() + "@" + p.due.ToText() + " ";
   return out;
+}
+
+// The number of the run-time failure `f` raises; 0 when it raises none.
+int Failure(const std::function<void()>& f) {
+  try {
+    f();
+  } catch (const VbError& err) {
+    return err.Number();
+  }
+  return 0;
 }
 
 struct Example {
@@ -167,24 +178,17 @@ TEST(PlanStoredFeeTerm, PeriodOfZeroOrLessHasNoScheduleButOneRoundingToZeroFails
   for (double none : {0.0, -0.4, -1.0, -12.0})
     EXPECT_TRUE(PlanStoredFeeTerm(s, e, /*months=*/10, none, /*advance=*/true).empty()) << none;
   for (double zero : {0.4, 0.5, 0.1}) {
-    try {
-      PlanStoredFeeTerm(s, e, /*months=*/10, zero, /*advance=*/true);
-      ADD_FAILURE() << zero << " gave a schedule";
-    } catch (const VbError& err) {
-      EXPECT_EQ(err.Number(), vb_error::kDivisionByZero) << zero;
-      EXPECT_EQ(err.Description(), "Division by zero");
-    }
+    EXPECT_EQ(Failure([&] { PlanStoredFeeTerm(s, e, /*months=*/10, zero, /*advance=*/true); }),
+              vb_error::kDivisionByZero)
+        << zero;
   }
 }
 
 TEST(PlanStoredFeeTerm, NumbersAndDatesBeyondVbRangesAreRunTimeFailures) {
   const Date s = D("2012-03-15");
-  try {
-    PlanStoredFeeTerm(s, s, /*months=*/1e12, /*period=*/1, /*advance=*/true);
-    ADD_FAILURE() << "1e12 months gave a schedule";
-  } catch (const VbError& err) {
-    EXPECT_EQ(err.Number(), 6);
-  }
+  EXPECT_EQ(
+      Failure([&] { PlanStoredFeeTerm(s, s, /*months=*/1e12, /*period=*/1, /*advance=*/true); }),
+      6);
   EXPECT_THROW(PlanStoredFeeTerm(s, s, /*months=*/10, /*period=*/3e9, /*advance=*/true), VbError);
 
   // A walk stops with a failure at the first period that would end after 9999-12-31, having
@@ -193,12 +197,10 @@ TEST(PlanStoredFeeTerm, NumbersAndDatesBeyondVbRangesAreRunTimeFailures) {
                     /*advance=*/true);
   SchedulePeriod p;
   int given = 0;
-  try {
-    while (walk.Next(p)) ++given;
-    ADD_FAILURE() << "the walk passed 9999-12-31";
-  } catch (const VbError& err) {
-    EXPECT_EQ(err.Number(), 5);
-  }
+  EXPECT_EQ(Failure([&] {
+              while (walk.Next(p)) ++given;
+            }),
+            5);
   EXPECT_EQ(given, 4);
   EXPECT_EQ(p.end.ToText(), "9999-06-14");
   const auto to_the_end =
