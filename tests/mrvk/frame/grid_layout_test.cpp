@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -132,14 +133,16 @@ TEST_F(GridLayoutTest, SuffixesNameTheGridUnlessItIsVs) {
 }
 
 TEST_F(GridLayoutTest, WidthsOnlyTouchesNothingButWidths) {
-  Write("VsColWidth", "VsCol1", "1111");
-  Write("VsColFormat", "VsCol3", "#,##0.00");
-  Write("VsColAlignment", "VsCol1", "7");
-  Write("VsIsTotalOn", "VsCol3", "1");
-  Write("VsIsSort", "VsCol3", "4");
-  Write("Vs", "VsRowHeight", "450");
-  Write("Vs", "VsGridColor", "255");
-  Write("Vs", "VsWordWrap", "1");
+  for (auto [section, key, value] :
+       std::initializer_list<std::array<const char*, 3>>{{"VsColWidth", "VsCol1", "1111"},
+                                                         {"VsColFormat", "VsCol3", "#,##0.00"},
+                                                         {"VsColAlignment", "VsCol1", "7"},
+                                                         {"VsIsTotalOn", "VsCol3", "1"},
+                                                         {"VsIsSort", "VsCol3", "4"},
+                                                         {"Vs", "VsRowHeight", "450"},
+                                                         {"Vs", "VsGridColor", "255"},
+                                                         {"Vs", "VsWordWrap", "1"}})
+    Write(section, key, value);
   VsFlexGrid grid("Vs");
   Fill(grid);
   const int rows = grid.Rows();
