@@ -1,29 +1,18 @@
 // The web client in a real browser: sign-in, the buildings sheet from the menu, and every
 // kind of modal layer it brings (alert, question, input box), with a screenshot of each.
-import { after, before, test } from 'node:test';
+import { test } from 'node:test';
 import assert from 'node:assert/strict';
-import { shot, signIn, startBrowser, startServer } from './support.mjs';
+import { session, shot, signIn } from './support.mjs';
 
 let server;
-let browser;
-let context;
 let page;
-
-before(async () => {
-  server = await startServer();
-  ({ browser, context } = await startBrowser());
-  page = await context.newPage();
-});
-
-after(async () => {
-  if (browser) await browser.close();
-  if (server) await server.stop();
-});
+session((s) => ({ server, page } = s));
 
 const field = (i) => page.locator(`.screen:not([hidden]) [data-control="kvTxt(${i})"] input`);
 const tool = (cmd) => page.locator(`#toolbar button[data-cmd="${cmd}"]`);
 const nodes = () => page.locator('.screen:not([hidden]) .tree .node .label').allTextContents();
-const selected = () => page.locator('.screen:not([hidden]) .tree .node.selected .label').textContent();
+const selectedIs = (text) => page.waitForFunction((t) =>
+  document.querySelector('.tree .node.selected .label')?.textContent === t, text);
 
 async function typeField(i, text) {
   await field(i).fill(text);
@@ -62,9 +51,8 @@ test('buildings: create, duplicate code, edit, delete, find, navigate', async ()
   await page.waitForSelector('.screen:not([hidden]) .tree .node[data-key="ROOT"]');
   assert.deepEqual(await nodes(), ['全部楼宇']);
   // Viewing: new enabled, save disabled; the fields are not editable.
-  assert.equal(await tool('FileNew').isEnabled(), true);
-  assert.equal(await tool('FileSave').isEnabled(), false);
-  assert.equal(await field(0).isDisabled(), true);
+  assert.deepEqual([await tool('FileNew').isEnabled(), await tool('FileSave').isEnabled(),
+    await field(0).isDisabled()], [true, false, true]);
 
   await newBuilding('B01', '一号楼');
   await page.waitForSelector('.tree .node .label:text("B01 一号楼")');
@@ -82,14 +70,13 @@ test('buildings: create, duplicate code, edit, delete, find, navigate', async ()
   await newBuilding('B01', '重复楼');
   const alert = page.locator('.layer.alert');
   await alert.waitFor();
-  assert.equal(await alert.locator('.title span').textContent(), '楼宇');
-  assert.equal(await alert.locator('.text').textContent(), '编号重复,请检查!');
+  assert.deepEqual([await alert.locator('.title span').textContent(),
+    await alert.locator('.text').textContent()], ['楼宇', '编号重复,请检查!']);
   await shot(page, '04-alert');
   await alert.locator('button:text("确定")').click();
   // Still editing after the refused save: save and cancel stay, new waits.
   await page.waitForSelector('#toolbar button[data-cmd="FileCancel"]:not([disabled])');
-  assert.equal(await tool('FileSave').isEnabled(), true);
-  assert.equal(await tool('FileNew').isEnabled(), false);
+  assert.deepEqual([await tool('FileSave').isEnabled(), await tool('FileNew').isEnabled()], [true, false]);
   await tool('FileCancel').click();
   await page.waitForSelector('#toolbar button[data-cmd="FileNew"]:not([disabled])');
   assert.deepEqual((await nodes()).filter((n) => n.startsWith('B01')), ['B01 一号楼']);
@@ -109,8 +96,8 @@ test('buildings: create, duplicate code, edit, delete, find, navigate', async ()
   await tool('FileDelete').click();
   const box = page.locator('[data-layer="msgbox"]');
   await box.waitFor();
-  assert.equal(await box.locator('.text').textContent(), '是否删除当前记录:B02 二号楼东座');
-  assert.equal(await box.locator('.title span').textContent(), '提示:');
+  assert.deepEqual([await box.locator('.text').textContent(), await box.locator('.title span').textContent()],
+    ['是否删除当前记录:B02 二号楼东座', '提示:']);
   await shot(page, '05-question');
   await box.locator('button[data-answer="7"]').click();
   await page.waitForSelector('#toolbar button[data-cmd="FileDelete"]:not([disabled])');
@@ -134,18 +121,14 @@ test('buildings: create, duplicate code, edit, delete, find, navigate', async ()
   await input.locator('input').fill('tower');
   await shot(page, '06-inputbox');
   await input.locator('button:text("确定")').click();
-  await page.waitForFunction(() =>
-    document.querySelector('.tree .node.selected .label')?.textContent === 'C01 Tower East');
+  await selectedIs('C01 Tower East');
 
   // Navigation moves the selection and the fields follow.
   await tool('RecordPrevious').click();
-  await page.waitForFunction(() =>
-    document.querySelector('.tree .node.selected .label')?.textContent === 'B01 一号楼');
+  await selectedIs('B01 一号楼');
   assert.equal(await field(0).inputValue(), 'B01');
   await tool('RecordNext').click();
-  await page.waitForFunction(() =>
-    document.querySelector('.tree .node.selected .label')?.textContent === 'C01 Tower East');
-  assert.equal(await selected(), 'C01 Tower East');
+  await selectedIs('C01 Tower East');
 });
 
 test('several screens as tabs; a picker fills a bound field', async () => {
@@ -186,11 +169,10 @@ test('fee categories: the entry dialog and the list grid', async () => {
   const dialog = page.locator('[data-layer="dialog"]');
   await dialog.waitFor();
   assert.equal(await dialog.locator('.title span').textContent(), '费用科目');
-  const input = (i) => dialog.locator(`[data-control="kvTxt(${i})"] input`);
-  await input(0).fill('F01');
-  await input(0).press('Tab');
-  await input(1).fill('物业管理费');
-  await input(1).press('Tab');
+  for (const [i, text] of [[0, 'F01'], [1, '物业管理费']]) {
+    await dialog.locator(`[data-control="kvTxt(${i})"] input`).fill(text);
+    await dialog.locator(`[data-control="kvTxt(${i})"] input`).press('Tab');
+  }
   // The billing mode is a closed list: a drop-down of its entries, no picker button.
   const mode = dialog.locator('[data-control="kvTxt(2)"]');
   assert.equal(await mode.locator('button.pick').count(), 0);

@@ -6,6 +6,7 @@ import { mkdtempSync, mkdirSync, rmSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import path from 'node:path';
 import { fileURLToPath } from 'node:url';
+import { after, before } from 'node:test';
 import { chromium } from 'playwright-core';
 
 const root = path.resolve(path.dirname(fileURLToPath(import.meta.url)), '..', '..');
@@ -14,7 +15,7 @@ export const artifacts = process.env.MRVK_E2E_ARTIFACTS || path.join(root, 'buil
 export const chromiumPath = process.env.MRVK_CHROMIUM || '/usr/bin/chromium';
 
 // Runs `mrvk serve` on any free port; resolves to { url, password, stop }.
-export async function startServer() {
+async function startServer() {
   const dir = mkdtempSync(path.join(tmpdir(), 'mrvk-e2e-'));
   const child = spawn(binary, ['serve', '--database', `sqlite://${dir}/e2e.sqlite3`, '--port', '0',
                                '--app-path', dir], { stdio: ['ignore', 'pipe', 'pipe'] });
@@ -41,7 +42,7 @@ export async function startServer() {
   return { ...ready, stop };
 }
 
-export async function startBrowser() {
+async function startBrowser() {
   mkdirSync(artifacts, { recursive: true });
   const browser = await chromium.launch({
     executablePath: chromiumPath, headless: true,
@@ -71,4 +72,23 @@ export async function signIn(page, url, user, password, next) {
     await page.click('#password-submit');
   }
   await page.waitForSelector('#app:not([hidden]) #menu button.entry');
+}
+
+// One server and one browser page for a test file: `use` receives { server, page } before the
+// first test; with `next` the administrator is signed in and the password changed to it.
+export function session(use, next) {
+  let server;
+  let browser;
+  before(async () => {
+    server = await startServer();
+    let context;
+    ({ browser, context } = await startBrowser());
+    const page = await context.newPage();
+    if (next) await signIn(page, server.url, 'admin', server.password, next);
+    use({ server, page });
+  });
+  after(async () => {
+    if (browser) await browser.close();
+    if (server) await server.stop();
+  });
 }

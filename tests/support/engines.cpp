@@ -91,4 +91,17 @@ std::string EngineTest::Scalar(const std::string& sql) {
   return v.ToString();
 }
 
+std::vector<std::string> EngineTest::Query(const std::string& sql) {
+  auto rs = db().CreateCommand(sql, 1)->OpenRecordset();
+  EXPECT_EQ(db().Error().Description(), "") << sql;
+  std::vector<std::string> rows;
+  for (; rs && !rs->Eof(); rs->MoveNext()) {
+    std::string row;
+    for (int i = 0; i < rs->FieldCount(); ++i)
+      row += (i ? "|" : "") + rs->Fields(i).Value.ToString();
+    rows.push_back(row);
+  }
+  return rows;
+}
+
 }  // namespace kvtest

@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "kvhost/host.h"
 
@@ -35,6 +36,8 @@ class EngineTest : public ::testing::TestWithParam<const char*> {
   void Exec(const std::string& sql);
   // The first column of the first row, as text ("" when no row).
   std::string Scalar(const std::string& sql);
+  // Every row, its columns as text joined by "|".
+  std::vector<std::string> Query(const std::string& sql);
 
  private:
   std::string url_;

@@ -33,4 +33,10 @@ std::vector<std::string> SheetTest::TakeReports(bool include_messages) {
   return out;
 }
 
+std::string SheetTest::LastBox() {
+  if (host().ui().shown.empty()) return "";
+  const auto& box = host().ui().shown.back();
+  return box.prompt + "|" + std::to_string(box.flags) + "|" + box.title;
+}
+
 }  // namespace kvtest

@@ -21,6 +21,8 @@ class SheetTest : public EngineTest {
   // The ErrMessage reports raised since the last look, "text|level|title", with the Message
   // texts among them when asked.
   std::vector<std::string> TakeReports(bool include_messages);
+  // The last box shown, "prompt|flags|title".
+  std::string LastBox();
 
   kvhost::Screen* screen_ = nullptr;
 };

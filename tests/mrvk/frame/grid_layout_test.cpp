@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -72,15 +73,13 @@ class GridLayoutTest : public ::testing::Test {
   std::string file;
 };
 
-TEST_F(GridLayoutTest, LayoutPathMakesTheFolder) {
+TEST_F(GridLayoutTest, FirstUseWritesTheDefaultsAndAHiddenColumnKeepsItsWidth) {
   EXPECT_EQ(file, (dir / "selfbb" / "RPT_Test.txt").string());
   EXPECT_TRUE(fs::is_directory(dir / "selfbb"));
-  EXPECT_FALSE(fs::exists(file));
-}
-
-TEST_F(GridLayoutTest, FirstUseWritesTheDefaultsAndAHiddenColumnKeepsItsWidth) {
   VsFlexGrid grid("Vs");
   Fill(grid);
+  LoadGridLayout(file, grid, /*widthsOnly=*/true, *context);
+  EXPECT_FALSE(fs::exists(file));  // loading widths only writes nothing
   LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
   ASSERT_TRUE(fs::exists(file));
   EXPECT_EQ(Read("VsColWidth", "VsCol2"), "800");
@@ -134,14 +133,16 @@ TEST_F(GridLayoutTest, SuffixesNameTheGridUnlessItIsVs) {
 }
 
 TEST_F(GridLayoutTest, WidthsOnlyTouchesNothingButWidths) {
-  Write("VsColWidth", "VsCol1", "1111");
-  Write("VsColFormat", "VsCol3", "#,##0.00");
-  Write("VsColAlignment", "VsCol1", "7");
-  Write("VsIsTotalOn", "VsCol3", "1");
-  Write("VsIsSort", "VsCol3", "4");
-  Write("Vs", "VsRowHeight", "450");
-  Write("Vs", "VsGridColor", "255");
-  Write("Vs", "VsWordWrap", "1");
+  for (auto [section, key, value] :
+       std::initializer_list<std::array<const char*, 3>>{{"VsColWidth", "VsCol1", "1111"},
+                                                         {"VsColFormat", "VsCol3", "#,##0.00"},
+                                                         {"VsColAlignment", "VsCol1", "7"},
+                                                         {"VsIsTotalOn", "VsCol3", "1"},
+                                                         {"VsIsSort", "VsCol3", "4"},
+                                                         {"Vs", "VsRowHeight", "450"},
+                                                         {"Vs", "VsGridColor", "255"},
+                                                         {"Vs", "VsWordWrap", "1"}})
+    Write(section, key, value);
   VsFlexGrid grid("Vs");
   Fill(grid);
   const int rows = grid.Rows();
@@ -172,46 +173,35 @@ TEST_F(GridLayoutTest, WidthsOnlyTouchesNothingButWidths) {
   EXPECT_EQ(Column(grid, 3).front(), "1200.5");  // sorted by rent, descending
 }
 
-TEST_F(GridLayoutTest, WidthsOnlyOnAMissingFileWritesNothing) {
-  VsFlexGrid grid("Vs");
-  Fill(grid);
-  LoadGridLayout(file, grid, /*widthsOnly=*/true, *context);
-  EXPECT_FALSE(fs::exists(file));
-}
-
 TEST_F(GridLayoutTest, NumberFormatsFollowTheDataTypeTheDecimalsAndTheVersion) {
   context->options["9"] = "3";   // decimals of value type 3
   context->options["14"] = "0";  // decimals of value type 8
   VsFlexGrid grid("Vs");
   grid.SetFormatString("行号|a|b|c|d|e|f|g|h");
-  auto set = [&](int c, int type, const std::string& format) {
-    Write("VsColDataType", "VsCol" + std::to_string(c), std::to_string(type));
-    Write("VsColFormat", "VsCol" + std::to_string(c), format);
-  };
-  set(1, 5, "#,##0.00");
+  // Per column: data type, value type, format in the file, the column's own format.
+  const std::array<const char*, 4> columns[] = {
+      {"5", "", "#,##0.00", ""},    // one decimal by VsColFormat_Xs
+      {"0", "3", "#,##0.00", ""},   // the decimals of value type 3
+      {"5", "8", "#,##0.00", ""},   // those of value type 8
+      {"5", "9", "  0.000  ", ""},  // no decimals setting: as read, trimmed
+      {"8", "", "###", "old"},      // a text column: "###" clears the format
+      {"7", "", "yyyy-mm-dd", ""},  // a date column: as read
+      {"5", "", "", "0.0"},         // an empty format leaves the column's own
+      {"5", "", ".00", "0.0"}};     // nothing before the point: the statement fails
+  for (int c = 1; c <= 8; ++c) {
+    const auto& [type, value_type, format, own] = columns[c - 1];
+    const std::string key = "VsCol" + std::to_string(c);
+    Write("VsColDataType", key, type);
+    Write("VsColFormat", key, format);
+    if (*value_type) Write("VsColValDataType", key, value_type);
+    grid.ColFormat(c) = own;
+  }
   Write("VsColFormat_Xs", "VsCol1", "1");
-  set(2, 0, "#,##0.00");
-  Write("VsColValDataType", "VsCol2", "3");
-  set(3, 5, "#,##0.00");
-  Write("VsColValDataType", "VsCol3", "8");
-  set(4, 5, "  0.000  ");  // no decimals setting: as read, trimmed
-  Write("VsColValDataType", "VsCol4", "9");
-  set(5, 8, "###");  // a text column: "###" clears the format
-  grid.ColFormat(5) = "old";
-  set(6, 7, "yyyy-mm-dd");
-  set(7, 5, "");  // an empty format leaves the column's own
-  grid.ColFormat(7) = "0.0";
-  set(8, 5, ".00");  // nothing before the point: the statement fails and is skipped
-  grid.ColFormat(8) = "0.0";
   LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
-  EXPECT_EQ(grid.ColFormat(1), "#,##0.#");
-  EXPECT_EQ(grid.ColFormat(2), "#,##0.###");
-  EXPECT_EQ(grid.ColFormat(3), "#,##0");
-  EXPECT_EQ(grid.ColFormat(4), "0.000");
-  EXPECT_EQ(grid.ColFormat(5), "");
-  EXPECT_EQ(grid.ColFormat(6), "yyyy-mm-dd");
-  EXPECT_EQ(grid.ColFormat(7), "0.0");
-  EXPECT_EQ(grid.ColFormat(8), "0.0");
+  std::vector<std::string> formats;
+  for (int c = 1; c <= 8; ++c) formats.push_back(grid.ColFormat(c));
+  EXPECT_EQ(formats, (std::vector<std::string>{"#,##0.#", "#,##0.###", "#,##0", "0.000", "",
+                                               "yyyy-mm-dd", "0.0", "0.0"}));
   EXPECT_EQ(grid.ColDataType(8), 5);  // the statements around it ran
 
   // Version 700 ends the integer part in "#".
@@ -244,7 +234,7 @@ TEST_F(GridLayoutTest, GroupTotalsAndTheGrandTotal) {
   EXPECT_EQ(grid.TextMatrix(6, 3), "3150.5");
 }
 
-TEST_F(GridLayoutTest, TotalsWithoutGroupsGiveOnlyTheGrandTotalInTheCaptionColumn) {
+TEST_F(GridLayoutTest, TotalsWithoutGroupsGiveOnlyTheGrandTotalAndAnEmptyGridNone) {
   Write("VsIsTotalOn", "VsCol3", "1");
   Write("VsIsHidden", "VsCol1", "1");  // the area is hidden: the caption goes to the building
   VsFlexGrid grid("Vs");
@@ -253,30 +243,24 @@ TEST_F(GridLayoutTest, TotalsWithoutGroupsGiveOnlyTheGrandTotalInTheCaptionColum
   ASSERT_EQ(grid.Rows(), 5);
   EXPECT_FALSE(grid.IsSubtotal(3));
   EXPECT_TRUE(grid.IsSubtotal(4));
-  EXPECT_EQ(grid.TextMatrix(4, 2), "合计");
-  EXPECT_EQ(grid.TextMatrix(4, 3), "3150.5");
-}
+  EXPECT_EQ(grid.TextMatrix(4, 2) + "|" + grid.TextMatrix(4, 3), "合计|3150.5");
 
-TEST_F(GridLayoutTest, AnEmptyGridGetsNoTotalAndKeepsItsHeader) {
   Write("Vs", "VsTotalSave", "1");
   Write("VsIsSort", "VsCol1", "2");
-  Write("VsIsTotalOn", "VsCol3", "1");
-  Write("VsIsHidden", "VsCol1", "1");  // the caption column is then the building
-  VsFlexGrid grid("Vs");
-  grid.SetFormatString("行号|片区  |楼宇    |租金    |押金    |ID");
-  grid.SetRows(1);
-  LoadGridLayout(file, grid, /*widthsOnly=*/false, *context);
-  ASSERT_EQ(grid.Rows(), 1);
-  EXPECT_EQ(grid.TextMatrix(0, 2), "楼宇");
-  EXPECT_EQ(grid.RowHeight(0), 300);
+  VsFlexGrid empty("Vs");
+  empty.SetFormatString("行号|片区  |楼宇    |租金    |押金    |ID");
+  empty.SetRows(1);
+  LoadGridLayout(file, empty, /*widthsOnly=*/false, *context);
+  ASSERT_EQ(empty.Rows(), 1);
+  EXPECT_EQ(empty.TextMatrix(0, 2), "楼宇");
+  EXPECT_EQ(empty.RowHeight(0), 300);
 }
 
 TEST_F(GridLayoutTest, GridColourAndSystemColours) {
   int r = -1, g = -1, b = -1;
   EXPECT_TRUE(SplitColour(0x123456, r, g, b));
   EXPECT_EQ((std::vector<int>{r, g, b}), (std::vector<int>{0x56, 0x34, 0x12}));
-  // System colour 5 (window background) is white.
-  EXPECT_TRUE(SplitColour(static_cast<int32_t>(0x80000005), r, g, b));
+  EXPECT_TRUE(SplitColour(static_cast<int32_t>(0x80000005), r, g, b));  // the window's white
   EXPECT_EQ((std::vector<int>{r, g, b}), (std::vector<int>{255, 255, 255}));
   EXPECT_FALSE(SplitColour(0x01000000, r, g, b));
 
@@ -338,27 +322,22 @@ TEST_F(GridLayoutTest, TheFormWalkKeepsEveryControlTypeAndSkipsFailures) {
   saved.vs.ColWidth(2) = 1700;
   saved.search.status = "fields=编号";
   sbSaveFormStatus(file, /*pbOnlyColWidth=*/false, saved.list);
-  EXPECT_EQ(Read("Form", "KVTXT_S_kvTxt_3_Text"), "A01栋");
-  EXPECT_EQ(Read("Form", "KVTXT_S_kvTxt_3_Value"), "42");
-  EXPECT_EQ(Read("Form", "OPTIONBUTTON_optXB_1"), "1");
-  EXPECT_EQ(Read("Form", "KVGRID_kvGrid_Col1"), "2500");
-  EXPECT_EQ(Read("VsColWidth", "VsCol2"), "1700");
+  EXPECT_EQ(Read("Form", "KVTXT_S_kvTxt_3_Text") + "|" + Read("Form", "KVTXT_S_kvTxt_3_Value") +
+                "|" + Read("Form", "OPTIONBUTTON_optXB_1") + "|" +
+                Read("Form", "KVGRID_kvGrid_Col1") + "|" + Read("VsColWidth", "VsCol2"),
+            "A01栋|42|1|2500|1700");
 
   Write("Form", "CHECKBOX_chk_bad", "x");  // an unknown key is ignored
   Screen loaded;
   sbGetFormStatus(file, /*pbOnlyColWidth=*/false, loaded.list, *context);
-  EXPECT_EQ(loaded.txt.Text, "A01栋");
-  EXPECT_EQ(loaded.txt.Value.ToLong(), 42);
-  EXPECT_EQ(loaded.check.Value, 1);
-  EXPECT_EQ(loaded.text.Text, "备注");
-  EXPECT_EQ(loaded.combo.Text, "住宅");
-  EXPECT_FALSE(loaded.opt0.Value);
-  EXPECT_TRUE(loaded.opt1.Value);
   ASSERT_NE(loaded.tree.SelectedItem(), nullptr);
-  EXPECT_EQ(loaded.tree.SelectedItem()->Text, "南区");
-  EXPECT_EQ(loaded.detail.ColWidth(1), 2500);
-  EXPECT_EQ(loaded.vs.ColWidth(2), 1700);
-  EXPECT_EQ(loaded.search.status, "fields=编号");
+  EXPECT_EQ(loaded.txt.Text + "|" + loaded.txt.Value.ToString() + "|" + loaded.text.Text + "|" +
+                loaded.combo.Text + "|" + loaded.tree.SelectedItem()->Text + "|" +
+                loaded.search.status,
+            "A01栋|42|备注|住宅|南区|fields=编号");
+  EXPECT_EQ((std::vector<int>{loaded.check.Value, loaded.opt0.Value, loaded.opt1.Value,
+                              loaded.detail.ColWidth(1), loaded.vs.ColWidth(2)}),
+            (std::vector<int>{1, 0, 1, 2500, 1700}));
 
   // A detail grid with fewer columns than the file, and a tree without the saved node: the
   // rest of the walk still runs.

@@ -74,16 +74,16 @@ TEST_F(PrintPipelineTest, TheDataFileHoldsFieldsOwnFieldsAndTheUsedRows) {
   std::string error;
   ASSERT_TRUE(back.Load(file, error)) << error;
   const kvhost::PrintSection& s = back.Sections().at(1);
-  EXPECT_EQ(s.Field("合同编号"), "HT2012100001");  // the caption trimmed is the name
-  EXPECT_EQ(s.Field("租户"), "李四");
-  EXPECT_EQ(s.Field("房屋信息"), "北区A栋101");
+  // The caption trimmed is the name.
+  EXPECT_EQ(s.Field("合同编号") + "|" + s.Field("租户") + "|" + s.Field("房屋信息"),
+            "HT2012100001|李四|北区A栋101");
   const kvhost::PrintTable* table = s.FindTable("kvGrid");
   ASSERT_NE(table, nullptr);
-  EXPECT_EQ(table->Rows(), 3);           // row 3 has an empty name: the count ends there
-  EXPECT_EQ(table->Cell(2, 0), "单价");  // the header prints unchanged
-  EXPECT_EQ(table->Cell(2, 1), "***");
-  EXPECT_EQ(table->Cell(2, 2), "***");
-  EXPECT_EQ(table->Cell(1, 2), "物业费");
+  EXPECT_EQ(table->Rows(), 3);  // row 3 has an empty name: the count ends there
+  // The header prints unchanged, the masked cells as stars.
+  EXPECT_EQ(table->Cell(2, 0) + "|" + table->Cell(2, 1) + "|" + table->Cell(2, 2) + "|" +
+                table->Cell(1, 2),
+            "单价|***|***|物业费");
 
   // A grid whose row 1 has an empty name gives the header alone; the same progID writes
   // over the same file.
