@@ -34,27 +34,6 @@ class HostTest : public kvtest::EngineTest {
   }
 };
 
-TEST_P(HostTest, ScriptedAnswersDriveTheModulesBoxes) {
-  Screen* s = host().open("ProbeSheet", 870004, 0);
-  ASSERT_TRUE(s) << host().last_error();
-  host().ui().inputs.push_back("李四");
-  mrvk::Variant result;
-  ASSERT_TRUE(host().invoke(*s, "FileSave", {}, result).ok());
-  EXPECT_EQ(result.AsBool(), true);
-  ASSERT_EQ(host().ui().shown.size(), 1u);
-  EXPECT_EQ(host().ui().shown[0].prompt, "名称:");
-  // A box nobody scripted is an error answer, not a hang or a crash.
-  Status st = host().invoke(*s, "FileDelete", {}, result);
-  EXPECT_FALSE(st.ok());
-  EXPECT_NE(st.message().find("unscripted message box: 确实要删除吗？"), std::string::npos);
-  EXPECT_EQ(Scalar("select count(*) from fwyz"), "1");
-  host().ui().answers.push_back(mrvk::msgbox::kYes);
-  ASSERT_TRUE(host().invoke(*s, "FileDelete", {}, result).ok());
-  EXPECT_EQ(Scalar("select count(*) from fwyz"), "0");
-  EXPECT_TRUE(host().close(s->id).ok());
-  EXPECT_FALSE(host().close(s->id).ok());
-}
-
 TEST_P(HostTest, ScriptedDialogsAreWorkedThroughGestures) {
   Screen* s = host().open("ProbeSheet", 870004, 0);
   ASSERT_TRUE(s) << host().last_error();
