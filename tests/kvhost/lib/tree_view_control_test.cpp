@@ -70,20 +70,6 @@ TEST(TreeNodes, RelationshipsPlaceNodesAndIndexFollowsRemoval) {
   EXPECT_EQ(tv.Nodes.Add(nullptr, R::Last, "A1", "reused").Index(), 3);
 }
 
-TEST(TreeNodes, SetParentRefusesTheNodesOwnBranch) {
-  TreeView tv("TV");
-  TreeNode& a = tv.Nodes.Add(nullptr, R::Last, "A", "a");
-  TreeNode& child = tv.Nodes.Add(&a, R::Child, "C", "c");
-  TreeNode& grandchild = tv.Nodes.Add(&child, R::Child, "G", "g");
-  EXPECT_FALSE(tv.Nodes.SetParent(a, &grandchild));
-  EXPECT_FALSE(tv.Nodes.SetParent(a, &a));
-  EXPECT_EQ(grandchild.FullPath(), "a\\c\\g");
-  EXPECT_TRUE(tv.Nodes.SetParent(grandchild, nullptr));
-  EXPECT_EQ(Order(tv, /*only_shown=*/false), "a c g");
-  EXPECT_EQ(grandchild.Parent(), nullptr);
-  EXPECT_EQ(a.Next(), &grandchild);
-}
-
 class TreeViewGestures : public testing::Test {
  protected:
   void SetUp() override {
