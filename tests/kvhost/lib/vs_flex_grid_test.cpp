@@ -79,18 +79,6 @@ TEST_F(VsFlexGridTest, ABadIndexIsARunTimeFailureAndChangesNothing) {
   EXPECT_EQ(grid.Rows(), rows);
 }
 
-TEST_F(VsFlexGridTest, FormatsApplyOnDisplayOnly) {
-  grid.ColFormat(3) = "#,##0.00";
-  EXPECT_EQ(grid.TextMatrix(2, 3), "1200.5");
-  EXPECT_EQ(grid.DisplayText(2, 3), "1,200.50");
-  EXPECT_EQ(grid.DisplayText(0, 3), "租金");  // captions are no numbers to format
-
-  nlohmann::json state;
-  grid.WriteState(state);
-  EXPECT_EQ(state["cells"][2]["text"][3], "1,200.50");
-  EXPECT_EQ(state["columns"][3]["format"], "#,##0.00");
-}
-
 TEST_F(VsFlexGridTest, NestedGroupsCloseInsideOut) {
   for (int group : {1, 2})
     grid.Subtotal(subtotal::kSum,
