@@ -5,6 +5,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "kvhost/host.h"
 #include "kvhost/lib/dialog.h"
 #include "kvhost/lib/ini_file.h"
 #include "kvhost/lib/kv_grid.h"
@@ -42,7 +43,10 @@ class PrintTest : public ::testing::Test {
     settings = (dir / "selfPrn" / "Rpt870401.prn").string();
     TakePrintedDocuments();
   }
-  void TearDown() override { fs::remove_all(dir); }
+  void TearDown() override {
+    mrvk::SetCurrentUiPort(nullptr);
+    fs::remove_all(dir);
+  }
 
   // A contract list: row number, area, tenant, rent (formatted), hidden ID; a group
   // subtotal per area and the grand total, as the layout makes them.
@@ -149,59 +153,35 @@ TEST_F(PrintTest, SetupWritesTheSettingsThatLaterPrintsUse) {
 }
 
 // A person at the page setup: the script works on the dialog as a front end would.
-class PageSetupPerson : public mrvk::IUiPort {
- public:
-  explicit PageSetupPerson(std::function<void(Dialog&)> script) : script_(std::move(script)) {
-    mrvk::SetCurrentUiPort(this);
-  }
-  ~PageSetupPerson() override { mrvk::SetCurrentUiPort(nullptr); }
-  void ShowModal(mrvk::IModalForm& form) override { script_(dynamic_cast<Dialog&>(form)); }
-  int MsgBox(const std::string& prompt, int, const std::string&) override {
-    boxes.push_back(prompt);
-    return mrvk::msgbox::kOk;
-  }
-  std::optional<std::string> InputBox(const std::string&, const std::string&,
-                                      const std::string&) override {
-    return std::nullopt;
-  }
-  static void Do(Dialog& dialog, const std::string& control, int index, const std::string& kind,
-                 const std::string& text = "") {
-    Gesture g;
-    g.kind = kind;
-    g.text = text;
-    Control* c = dialog.Controls().Find(control, index);
-    ASSERT_NE(c, nullptr) << control;
-    ASSERT_EQ(c->Apply(g), "");
-  }
-  std::vector<std::string> boxes;
-
- private:
-  std::function<void(Dialog&)> script_;
-};
-
 TEST_F(PrintTest, SetupAsksThePersonAndACancelChangesNothing) {
   VsFlexGrid grid("Vs");
   FillContracts(grid);
+  ScriptedUi person;
+  mrvk::SetCurrentUiPort(&person);
+  auto act = [](Dialog& d, const char* control, const Gesture& g, int index = -1) {
+    Control* c = d.Controls().Find(control, index);
+    ASSERT_NE(c, nullptr) << control;
+    EXPECT_EQ(c->Apply(g), "") << control;
+  };
+  person.dialogs.push_back([&](Dialog& d) {
+    EXPECT_EQ(d.Caption, "页面设置");
+    act(d, "cboOrientation", {"pick", "横向"});
+    act(d, "txtMargin", {"type", "25"}, 2);
+    act(d, "txtFontSize", {"type", "99"});
+    act(d, "cmdOK", {"click"});
+    EXPECT_TRUE(d.IsShown());  // refused: the dialog stays
+    act(d, "txtFontSize", {"type", "8"});
+    act(d, "chkGridLines", {"toggle"});
+    act(d, "cmdOK", {"click"});
+  });
+  person.answers.push_back(mrvk::msgbox::kOk);
   PrintJob job;
   bool done = false;
   Variant options;
-  {
-    PageSetupPerson person([](Dialog& d) {
-      EXPECT_EQ(d.Caption, "页面设置");
-      PageSetupPerson::Do(d, "cboOrientation", -1, "pick", "横向");
-      PageSetupPerson::Do(d, "txtMargin", 2, "type", "25");
-      PageSetupPerson::Do(d, "txtFontSize", -1, "type", "99");
-      PageSetupPerson::Do(d, "cmdOK", -1, "click");
-      EXPECT_TRUE(d.IsShown());  // refused: the dialog stays
-      PageSetupPerson::Do(d, "txtFontSize", -1, "type", "8");
-      PageSetupPerson::Do(d, "chkGridLines", -1, "toggle");
-      PageSetupPerson::Do(d, "cmdOK", -1, "click");
-      EXPECT_FALSE(d.IsShown());
-    });
-    ASSERT_TRUE(job.Setup(settings, "合同清单", "", grid, "", /*ask=*/true, options, "", done))
-        << job.ErrorText();
-    EXPECT_EQ(person.boxes, (std::vector<std::string>{"无效的页面设置: FontSize=99"}));
-  }
+  ASSERT_TRUE(job.Setup(settings, "合同清单", "", grid, "", /*ask=*/true, options, "", done))
+      << job.ErrorText();
+  ASSERT_EQ(person.shown.size(), 2u);
+  EXPECT_EQ(person.shown[1].prompt, "无效的页面设置: FontSize=99");
   EXPECT_TRUE(done);
   EXPECT_EQ(options.ToString(),
             "Paper=A4;Orientation=1;MarginTop=15;MarginBottom=15;MarginLeft=25;MarginRight=12;"
@@ -209,9 +189,9 @@ TEST_F(PrintTest, SetupAsksThePersonAndACancelChangesNothing) {
   EXPECT_EQ(PageSettings::Read(settings).Text(), options.ToString());
   ASSERT_EQ(TakePrintedDocuments().size(), 1u);
 
-  PageSetupPerson person([](Dialog& d) {
-    PageSetupPerson::Do(d, "txtFontSize", -1, "type", "12");
-    PageSetupPerson::Do(d, "cmdCancel", -1, "click");
+  person.dialogs.push_back([&](Dialog& d) {
+    act(d, "txtFontSize", {"type", "12"});
+    act(d, "cmdCancel", {"click"});
   });
   Variant again;
   EXPECT_TRUE(job.Setup(settings, "合同清单", "", grid, "", /*ask=*/true, again, "", done));
