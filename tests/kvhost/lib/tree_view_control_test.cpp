@@ -21,12 +21,7 @@ std::string Order(const TreeView& tv, bool only_shown) {
 
 Gesture Act(const std::string& kind, const std::string& key, const std::string& text = "",
             int row = -1) {
-  Gesture g;
-  g.kind = kind;
-  g.key = key;
-  g.text = text;
-  g.row = row;
-  return g;
+  return {.kind = kind, .text = text, .row = row, .key = key};
 }
 
 TEST(TreeNodes, RelationshipsPlaceNodesAndIndexFollowsRemoval) {

@@ -199,8 +199,7 @@ TEST_F(VsFlexGridTest, ClicksMoveTheCurrentCellAndRaiseTheirEvents) {
 }
 
 TEST_F(VsFlexGridTest, APersonSizesAndHidesColumns) {
-  Gesture g = Gesture{"col_width", "", -1, 2};
-  g.text = "1500";
+  Gesture g{"col_width", "1500", -1, 2};
   EXPECT_EQ(grid.Apply(g), "");
   EXPECT_EQ(grid.ColWidth(2), 1500);
   g.text = "0";
