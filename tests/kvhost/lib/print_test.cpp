@@ -61,9 +61,11 @@ class PrintTest : public ::testing::Test {
     grid.ColHidden(4) = true;
     grid.TextMatrix(1, 4) = "SECRET-ID";
     grid.ColFormat(3) = "#,##0.00";
+    grid.Subtotal(
+        subtotal::kSum,
+        {.group_on = 1, .total_on = 3, .format = "", .fore_color = 128, .caption = "小计%s"});
     grid.Subtotal(subtotal::kSum,
-                  {.group_on = 1, .total_on = 3, .fore_color = 128, .caption = "小计%s"});
-    grid.Subtotal(subtotal::kSum, {.total_on = 3, .back_color = 0xFFFF80, .caption = "合计"});
+                  {.total_on = 3, .format = "", .back_color = 0xFFFF80, .caption = "合计"});
   }
 
   fs::path dir;

@@ -64,7 +64,7 @@ TEST(VsFlexGridSetup, FormatStringSetsColumnsAndLoadArrayFillsTheRowsAsText) {
   EXPECT_EQ(grid.TextMatrix(1, 0), "");  // the fixed column is the logic's
 
   // A second load replaces the rows, subtotals included.
-  grid.Subtotal(subtotal::kSum, {.group_on = -1, .total_on = 2, .caption = "合计"});
+  grid.Subtotal(subtotal::kSum, {.group_on = -1, .total_on = 2, .format = "", .caption = "合计"});
   grid.LoadArray(Rows({{"乙", 7, Variant(), Variant()}}));
   ASSERT_EQ(grid.Rows(), 2);
   EXPECT_FALSE(grid.IsSubtotal(1));
@@ -75,15 +75,18 @@ TEST_F(VsFlexGridTest, ABadIndexIsARunTimeFailureAndChangesNothing) {
   EXPECT_THROW(grid.TextMatrix(grid.Rows(), 1), mrvk::VbError);
   EXPECT_THROW(grid.ColWidth(5), mrvk::VbError);
   const int rows = grid.Rows();
-  EXPECT_THROW(grid.Subtotal(subtotal::kSum, {.group_on = 1, .total_on = 9}), mrvk::VbError);
+  EXPECT_THROW(
+      grid.Subtotal(subtotal::kSum, {.group_on = 1, .total_on = 9, .format = "", .caption = ""}),
+      mrvk::VbError);
   EXPECT_EQ(grid.Rows(), rows);
 }
 
 TEST_F(VsFlexGridTest, NestedGroupsCloseInsideOut) {
   for (int group : {1, 2})
-    grid.Subtotal(subtotal::kSum,
-                  {.group_on = group, .total_on = 3, .fore_color = 128, .caption = "小计%s"});
-  grid.Subtotal(subtotal::kSum, {.group_on = -1, .total_on = 3, .caption = "合计"});
+    grid.Subtotal(
+        subtotal::kSum,
+        {.group_on = group, .total_on = 3, .format = "", .fore_color = 128, .caption = "小计%s"});
+  grid.Subtotal(subtotal::kSum, {.group_on = -1, .total_on = 3, .format = "", .caption = "合计"});
   EXPECT_EQ(Column(grid, 2), (std::vector<std::string>{"A栋", "A栋", "小计A栋", "B栋", "小计B栋",
                                                        "", "C栋", "小计C栋", "", ""}));
   EXPECT_EQ(Column(grid, 1),
@@ -98,8 +101,8 @@ TEST_F(VsFlexGridTest, NestedGroupsCloseInsideOut) {
 
 TEST_F(VsFlexGridTest, AboveTheGroupAndCleared) {
   grid.SubtotalPosition = subtotal_position::kAbove;
-  grid.Subtotal(subtotal::kCount, {.group_on = 1, .total_on = 4, .caption = "%s"});
-  grid.Subtotal(subtotal::kMax, {.group_on = -1, .total_on = 3, .caption = "最高"});
+  grid.Subtotal(subtotal::kCount, {.group_on = 1, .total_on = 4, .format = "", .caption = "%s"});
+  grid.Subtotal(subtotal::kMax, {.group_on = -1, .total_on = 3, .format = "", .caption = "最高"});
   EXPECT_EQ(Column(grid, 1),
             (std::vector<std::string>{"最高", "北区", "北区", "北区", "北区", "南区", "南区"}));
   EXPECT_EQ(grid.TextMatrix(1, 3), "1200.5");
@@ -128,7 +131,7 @@ TEST(VsFlexGridSort, SettingsAndGroupsKeepTheirTotals) {
 
   VsFlexGrid rent("Vs");
   FillRentGrid(rent);
-  rent.Subtotal(subtotal::kSum, {.group_on = 1, .total_on = 3, .caption = "小计%s"});
+  rent.Subtotal(subtotal::kSum, {.group_on = 1, .total_on = 3, .format = "", .caption = "小计%s"});
   rent.SetCol(3);
   rent.SetSort(grid_sort::kNumericDescending);
   EXPECT_EQ(Column(rent, 3),
