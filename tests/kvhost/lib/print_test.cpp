@@ -41,6 +41,7 @@ class PrintTest : public ::testing::Test {
            ::testing::UnitTest::GetInstance()->current_test_info()->name());
     fs::remove_all(dir);
     settings = (dir / "selfPrn" / "Rpt870401.prn").string();
+    FillContracts(grid);
     TakePrintedDocuments();
   }
   void TearDown() override {
@@ -70,12 +71,11 @@ class PrintTest : public ::testing::Test {
 
   fs::path dir;
   std::string settings;
+  VsFlexGrid grid{"Vs"};  // the contract list
+  PrintJob job;
 };
 
 TEST_F(PrintTest, AGridPrintIsAPrintablePageOfWhatTheGridShows) {
-  VsFlexGrid grid("Vs");
-  FillContracts(grid);
-  PrintJob job;
   job.Prepare("阳光物业管理有限公司", "制表：张三");
   bool done = false;
   ASSERT_TRUE(job.Print(settings, "合同清单", "片区：北区\r起止日期：2012-10-01 至 2012-10-31",
@@ -118,10 +118,7 @@ TEST_F(PrintTest, AGridPrintIsAPrintablePageOfWhatTheGridShows) {
 }
 
 TEST_F(PrintTest, SetupWritesTheSettingsThatLaterPrintsUse) {
-  VsFlexGrid grid("Vs");
-  FillContracts(grid);
   grid.RowHeight(2) = 0;  // filtered out: not printed
-  PrintJob job;
   Variant options("orientation=landscape; FontSize=9;MarginLeft=20");
   bool done = false;
   ASSERT_TRUE(job.Setup(settings, "合同清单", "", grid, "共 3 份", /*ask=*/true, options, "", done))
@@ -156,8 +153,6 @@ TEST_F(PrintTest, SetupWritesTheSettingsThatLaterPrintsUse) {
 
 // A person at the page setup: the script works on the dialog as a front end would.
 TEST_F(PrintTest, SetupAsksThePersonAndACancelChangesNothing) {
-  VsFlexGrid grid("Vs");
-  FillContracts(grid);
   ScriptedUi person;
   mrvk::SetCurrentUiPort(&person);
   auto act = [](Dialog& d, const char* control, const Gesture& g, int index = -1) {
@@ -177,7 +172,6 @@ TEST_F(PrintTest, SetupAsksThePersonAndACancelChangesNothing) {
     act(d, "cmdOK", {"click"});
   });
   person.answers.push_back(mrvk::msgbox::kOk);
-  PrintJob job;
   bool done = false;
   Variant options;
   ASSERT_TRUE(job.Setup(settings, "合同清单", "", grid, "", /*ask=*/true, options, "", done))
@@ -205,8 +199,6 @@ TEST_F(PrintTest, SetupAsksThePersonAndACancelChangesNothing) {
 TEST_F(PrintTest, APrintThatCannotBeWrittenSaysWhy) {
   fs::create_directories(dir);
   std::ofstream(dir / "blocker") << "a file where the folder would be";
-  VsFlexGrid grid("Vs");
-  PrintJob job;
   bool done = true;
   EXPECT_FALSE(job.Print((dir / "blocker" / "Rpt1.prn").string(), "标题", "", grid, "",
                          /*direct=*/false, "", done));
