@@ -77,7 +77,7 @@ TEST_P(ProtocolTest, AMessageBoxWaitsForItsAnswer) {
   a = Send({{"op", "sql"}, {"query", "select 业主名称 from fwyz"}});
   EXPECT_EQ(a["result"]["rows"][0][0], "王'五");
 
-  // A message box takes only its buttons' numbers: no keeps the row, yes deletes it.
+  // A message box takes only its buttons' numbers; yes deletes the row.
   a = Send({{"op", "call"}, {"screen", s}, {"method", "FileDelete"}});
   ASSERT_EQ(a["pending"]["kind"], "msgbox");
   EXPECT_EQ(a["pending"]["title"], "删除");
