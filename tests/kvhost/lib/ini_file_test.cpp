@@ -37,7 +37,7 @@ class IniFileTest : public ::testing::Test {
   std::string path;
 };
 
-TEST_F(IniFileTest, AMissingFileGivesTheDefaultsAndIsNotMade) {
+TEST_F(IniFileTest, AMissingFileGivesTheDefaultsUntilAWriteMakesIt) {
   IniFile ini;
   ini.FileName(path);
   EXPECT_FALSE(ini.Exists());
@@ -45,11 +45,8 @@ TEST_F(IniFileTest, AMissingFileGivesTheDefaultsAndIsNotMade) {
   EXPECT_EQ(ini.ReadInt("VsColWidth", "VsCol1", 1234), 1234);
   EXPECT_TRUE(ini.ReadBool("Form", "CHECKBOX_Chk", /*default_value=*/true));
   EXPECT_FALSE(fs::exists(path));
-}
 
-TEST_F(IniFileTest, WritesMakeTheFileInTheProfileForm) {
-  IniFile ini;
-  ini.FileName(path);
+  // Writes make the file in the profile form.
   ini.WriteInt("VsColWidth", "VsCol1", 1200);
   ini.WriteString("Form", "KVTXT_S_kvTxt_3_Text", "北区 A栋");
   ini.WriteBool("Form", "CHECKBOX_Chk", /*value=*/true);
@@ -83,16 +80,14 @@ TEST_F(IniFileTest, ReadsHandWrittenFiles) {
 }
 
 TEST_F(IniFileTest, ObjectsOnOneFileKeepEachOthersWrites) {
-  IniFile walk;
+  IniFile walk, layout, reader;
   walk.FileName(path);
-  IniFile layout;
   layout.FileName(path);
+  reader.FileName(path);
   layout.WriteInt("VsColWidth", "VsCol1", 900);
   walk.WriteString("Form", "TEXTBOX_Text1", "甲");
   layout.WriteInt("VsIsHidden", "VsCol1", 1);
   EXPECT_EQ(walk.ReadInt("VsIsHidden", "VsCol1", 0), 1);
-  IniFile reader;
-  reader.FileName(path);
   EXPECT_EQ(reader.ReadInt("VsColWidth", "VsCol1", 0), 900);
   EXPECT_EQ(reader.ReadString("Form", "TEXTBOX_Text1", ""), "甲");
 
@@ -107,7 +102,9 @@ TEST_F(IniFileTest, ObjectsOnOneFileKeepEachOthersWrites) {
       for (int k = 0; k < 15; ++k)
         ini.WriteInt("VsColWidth" + std::to_string(t), "VsCol" + std::to_string(k), 100 + k);
       // Held keys read back before they reach the file.
-      if (t % 2 == 1) EXPECT_EQ(ini.ReadInt("VsColWidth" + std::to_string(t), "VsCol14", 0), 114);
+      if (t % 2 == 1) {
+        EXPECT_EQ(ini.ReadInt("VsColWidth" + std::to_string(t), "VsCol14", 0), 114);
+      }
       if (t == 3) ini.EndUpdate();  // thread 1 leaves its keys to the object's end
     });
   }

@@ -21,12 +21,7 @@ std::string Order(const TreeView& tv, bool only_shown) {
 
 Gesture Act(const std::string& kind, const std::string& key, const std::string& text = "",
             int row = -1) {
-  Gesture g;
-  g.kind = kind;
-  g.key = key;
-  g.text = text;
-  g.row = row;
-  return g;
+  return {.kind = kind, .text = text, .row = row, .key = key};
 }
 
 TEST(TreeNodes, RelationshipsPlaceNodesAndIndexFollowsRemoval) {
@@ -68,20 +63,6 @@ TEST(TreeNodes, RelationshipsPlaceNodesAndIndexFollowsRemoval) {
   EXPECT_EQ(tv.Nodes.Item(1)->Key(), "B");
   EXPECT_EQ(tv.Nodes.Item("AB")->Index(), 2);
   EXPECT_EQ(tv.Nodes.Add(nullptr, R::Last, "A1", "reused").Index(), 3);
-}
-
-TEST(TreeNodes, SetParentRefusesTheNodesOwnBranch) {
-  TreeView tv("TV");
-  TreeNode& a = tv.Nodes.Add(nullptr, R::Last, "A", "a");
-  TreeNode& child = tv.Nodes.Add(&a, R::Child, "C", "c");
-  TreeNode& grandchild = tv.Nodes.Add(&child, R::Child, "G", "g");
-  EXPECT_FALSE(tv.Nodes.SetParent(a, &grandchild));
-  EXPECT_FALSE(tv.Nodes.SetParent(a, &a));
-  EXPECT_EQ(grandchild.FullPath(), "a\\c\\g");
-  EXPECT_TRUE(tv.Nodes.SetParent(grandchild, nullptr));
-  EXPECT_EQ(Order(tv, /*only_shown=*/false), "a c g");
-  EXPECT_EQ(grandchild.Parent(), nullptr);
-  EXPECT_EQ(a.Next(), &grandchild);
 }
 
 class TreeViewGestures : public testing::Test {

@@ -19,28 +19,6 @@ mrvk::RowsArray Rows(const std::vector<std::vector<Variant>>& rows) {
   return a;
 }
 
-SubtotalArgs Args(int group_on, int total_on, const std::string& caption) {
-  SubtotalArgs a;
-  a.group_on = group_on;
-  a.total_on = total_on;
-  a.caption = caption;
-  return a;
-}
-
-SubtotalArgs Colored(SubtotalArgs a, int32_t back, int32_t fore) {
-  a.back_color = back;
-  a.fore_color = fore;
-  return a;
-}
-
-Gesture At(const std::string& kind, int row, int col) {
-  Gesture g;
-  g.kind = kind;
-  g.row = row;
-  g.col = col;
-  return g;
-}
-
 // A report grid: row number, area, building, rent, deposit.
 void FillRentGrid(VsFlexGrid& grid) {
   grid.SetFormatString("行号|片区  |楼宇    |租金    |押金    ");
@@ -56,7 +34,14 @@ std::vector<std::string> Column(const VsFlexGrid& grid, int col) {
   return out;
 }
 
-TEST(VsFlexGridSetup, FormatStringSetsColumnsCaptionsAndWidths) {
+// A fresh rent grid for each test.
+class VsFlexGridTest : public ::testing::Test {
+ protected:
+  VsFlexGridTest() { FillRentGrid(grid); }
+  VsFlexGrid grid{"Vs"};
+};
+
+TEST(VsFlexGridSetup, FormatStringSetsColumnsAndLoadArrayFillsTheRowsAsText) {
   VsFlexGrid grid("Vs");
   grid.SetFormatString("行号|编号    |名称        |费用ID");
   ASSERT_EQ(grid.Cols(), 4);
@@ -66,15 +51,11 @@ TEST(VsFlexGridSetup, FormatStringSetsColumnsCaptionsAndWidths) {
   EXPECT_EQ(grid.ColWidth(2), 1200);
   EXPECT_EQ(grid.ColWidth(3), 600);
   EXPECT_EQ(grid.FormatString(), "行号|编号|名称|费用ID");
-}
 
-TEST(VsFlexGridSetup, LoadArrayFillsUnderTheFixedRowsAsText) {
-  VsFlexGrid grid("Vs");
-  grid.SetFormatString("行号|名称|金额|日期");
+  // The loaded rows go under the fixed row as text.
   grid.LoadArray(Rows({{"甲", 12.5, mrvk::Date::FromYmd(2012, 3, 5), "dropped"},
                        {Variant::Null(), 3, Variant(), "dropped"}}));
   ASSERT_EQ(grid.Rows(), 3);
-  EXPECT_EQ(grid.TextMatrix(0, 1), "名称");
   EXPECT_EQ(grid.TextMatrix(1, 1), "甲");
   EXPECT_EQ(grid.TextMatrix(1, 2), "12.5");
   EXPECT_EQ(grid.TextMatrix(1, 3), "2012-03-05");
@@ -83,66 +64,29 @@ TEST(VsFlexGridSetup, LoadArrayFillsUnderTheFixedRowsAsText) {
   EXPECT_EQ(grid.TextMatrix(1, 0), "");  // the fixed column is the logic's
 
   // A second load replaces the rows, subtotals included.
-  grid.Subtotal(subtotal::kSum, Args(/*group_on=*/-1, /*total_on=*/2, "合计"));
+  grid.Subtotal(subtotal::kSum, {.group_on = -1, .total_on = 2, .format = "", .caption = "合计"});
   grid.LoadArray(Rows({{"乙", 7, Variant(), Variant()}}));
   ASSERT_EQ(grid.Rows(), 2);
   EXPECT_FALSE(grid.IsSubtotal(1));
   EXPECT_EQ(grid.TextMatrix(1, 1), "乙");
 }
 
-TEST(VsFlexGridSetup, ABadIndexIsARunTimeFailureAndChangesNothing) {
-  VsFlexGrid grid("Vs");
-  FillRentGrid(grid);
+TEST_F(VsFlexGridTest, ABadIndexIsARunTimeFailureAndChangesNothing) {
   EXPECT_THROW(grid.TextMatrix(grid.Rows(), 1), mrvk::VbError);
   EXPECT_THROW(grid.ColWidth(5), mrvk::VbError);
   const int rows = grid.Rows();
-  EXPECT_THROW(grid.Subtotal(subtotal::kSum, Args(/*group_on=*/1, /*total_on=*/9, "")),
-               mrvk::VbError);
+  EXPECT_THROW(
+      grid.Subtotal(subtotal::kSum, {.group_on = 1, .total_on = 9, .format = "", .caption = ""}),
+      mrvk::VbError);
   EXPECT_EQ(grid.Rows(), rows);
 }
 
-TEST(VsFlexGridDisplay, FormatsApplyOnDisplayOnly) {
-  VsFlexGrid grid("Vs");
-  FillRentGrid(grid);
-  grid.ColFormat(3) = "#,##0.00";
-  EXPECT_EQ(grid.TextMatrix(2, 3), "1200.5");
-  EXPECT_EQ(grid.DisplayText(2, 3), "1,200.50");
-  EXPECT_EQ(grid.DisplayText(0, 3), "租金");  // captions are no numbers to format
-
-  nlohmann::json state;
-  grid.WriteState(state);
-  EXPECT_EQ(state["cells"][2]["text"][3], "1,200.50");
-  EXPECT_EQ(state["columns"][3]["format"], "#,##0.00");
-}
-
-TEST(VsFlexGridSubtotal, OneGroupColumnWithItsGrandTotal) {
-  VsFlexGrid grid("Vs");
-  FillRentGrid(grid);
-  SubtotalArgs group = Colored(Args(/*group_on=*/1, /*total_on=*/3, "小计%s"), kNoColor, 128);
-  group.match_from = 1;
-  group.total_only = true;
-  grid.Subtotal(subtotal::kSum, group);
-  grid.Subtotal(subtotal::kSum,
-                Colored(Args(/*group_on=*/-1, /*total_on=*/3, "合计"), 0xFFFF80, kNoColor));
-
-  EXPECT_EQ(Column(grid, 1), (std::vector<std::string>{"北区", "北区", "北区", "小计北区", "南区",
-                                                       "小计南区", "合计"}));
-  EXPECT_EQ(Column(grid, 3),
-            (std::vector<std::string>{"1000", "1200.5", "800", "3000.5", "950", "950", "3950.5"}));
-  EXPECT_TRUE(grid.IsSubtotal(4));
-  EXPECT_FALSE(grid.IsSubtotal(5));
-  EXPECT_EQ(grid.Cell(cell_property::kForeColor, 4, 1).ToLong(), 128);
-  EXPECT_EQ(grid.Cell(cell_property::kForeColor, 4, 0).ToLong(), kNoColor);
-  EXPECT_EQ(grid.Cell(cell_property::kBackColor, 7, 1).ToLong(), 0xFFFF80);
-  EXPECT_EQ(grid.Cell(cell_property::kForeColor, 7, 1).ToLong(), kNoColor);
-}
-
-TEST(VsFlexGridSubtotal, NestedGroupsCloseInsideOut) {
-  VsFlexGrid grid("Vs");
-  FillRentGrid(grid);
+TEST_F(VsFlexGridTest, NestedGroupsCloseInsideOut) {
   for (int group : {1, 2})
-    grid.Subtotal(subtotal::kSum, Colored(Args(group, /*total_on=*/3, "小计%s"), kNoColor, 128));
-  grid.Subtotal(subtotal::kSum, Args(/*group_on=*/-1, /*total_on=*/3, "合计"));
+    grid.Subtotal(
+        subtotal::kSum,
+        {.group_on = group, .total_on = 3, .format = "", .fore_color = 128, .caption = "小计%s"});
+  grid.Subtotal(subtotal::kSum, {.group_on = -1, .total_on = 3, .format = "", .caption = "合计"});
   EXPECT_EQ(Column(grid, 2), (std::vector<std::string>{"A栋", "A栋", "小计A栋", "B栋", "小计B栋",
                                                        "", "C栋", "小计C栋", "", ""}));
   EXPECT_EQ(Column(grid, 1),
@@ -155,12 +99,10 @@ TEST(VsFlexGridSubtotal, NestedGroupsCloseInsideOut) {
   EXPECT_EQ(grid.Cell(cell_property::kForeColor, 3, 2).ToLong(), 128);
 }
 
-TEST(VsFlexGridSubtotal, AboveTheGroupAndCleared) {
-  VsFlexGrid grid("Vs");
-  FillRentGrid(grid);
+TEST_F(VsFlexGridTest, AboveTheGroupAndCleared) {
   grid.SubtotalPosition = subtotal_position::kAbove;
-  grid.Subtotal(subtotal::kCount, Args(/*group_on=*/1, /*total_on=*/4, "%s"));
-  grid.Subtotal(subtotal::kMax, Args(/*group_on=*/-1, /*total_on=*/3, "最高"));
+  grid.Subtotal(subtotal::kCount, {.group_on = 1, .total_on = 4, .format = "", .caption = "%s"});
+  grid.Subtotal(subtotal::kMax, {.group_on = -1, .total_on = 3, .format = "", .caption = "最高"});
   EXPECT_EQ(Column(grid, 1),
             (std::vector<std::string>{"最高", "北区", "北区", "北区", "北区", "南区", "南区"}));
   EXPECT_EQ(grid.TextMatrix(1, 3), "1200.5");
@@ -189,7 +131,7 @@ TEST(VsFlexGridSort, SettingsAndGroupsKeepTheirTotals) {
 
   VsFlexGrid rent("Vs");
   FillRentGrid(rent);
-  rent.Subtotal(subtotal::kSum, Args(/*group_on=*/1, /*total_on=*/3, "小计%s"));
+  rent.Subtotal(subtotal::kSum, {.group_on = 1, .total_on = 3, .format = "", .caption = "小计%s"});
   rent.SetCol(3);
   rent.SetSort(grid_sort::kNumericDescending);
   EXPECT_EQ(Column(rent, 3),
@@ -203,7 +145,7 @@ TEST(VsFlexGridState, LargeGridsSendAWindowOfRows) {
   for (int i = 0; i < 1000; ++i) rows.push_back({Variant(i)});
   grid.LoadArray(Rows(rows));
 
-  ASSERT_EQ(grid.Apply(At("scroll", /*row=*/500, /*col=*/-1)), "");
+  ASSERT_EQ(grid.Apply(Gesture{"scroll", "", 500, -1}), "");
   nlohmann::json state;
   grid.WriteState(state);
   EXPECT_EQ(state["rows"], 1001);
@@ -215,16 +157,14 @@ TEST(VsFlexGridState, LargeGridsSendAWindowOfRows) {
   EXPECT_EQ(state["window"], (nlohmann::json{{"first", 500}, {"count", 200}}));
 
   // Near the end the window is what is left.
-  ASSERT_EQ(grid.Apply(At("scroll", /*row=*/950, /*col=*/-1)), "");
+  ASSERT_EQ(grid.Apply(Gesture{"scroll", "", 950, -1}), "");
   state.clear();
   grid.WriteState(state);
   EXPECT_EQ(state["cells"].size(), 1 + 51);
   EXPECT_EQ(state["window"], (nlohmann::json{{"first", 950}, {"count", 51}}));
 }
 
-TEST(VsFlexGridCells, RangesOfCellPropertiesAndTheirState) {
-  VsFlexGrid grid("Vs");
-  FillRentGrid(grid);
+TEST_F(VsFlexGridTest, RangesOfCellPropertiesAndTheirState) {
   grid.SetCell(cell_property::kBackColor, 3, 4, 1, 2, Variant(0x00FF00));
   grid.SetCell(cell_property::kFontBold, 2, 1, 2, 1, Variant(true));
   EXPECT_EQ(grid.Cell(cell_property::kBackColor, 1, 2).ToLong(), 0x00FF00);
@@ -243,31 +183,26 @@ TEST(VsFlexGridCells, RangesOfCellPropertiesAndTheirState) {
   EXPECT_EQ(styles[1]["back"], 0x00FF00);
 }
 
-TEST(VsFlexGridGestures, ClicksMoveTheCurrentCellAndRaiseTheirEvents) {
-  VsFlexGrid grid("Vs");
-  FillRentGrid(grid);
+TEST_F(VsFlexGridTest, ClicksMoveTheCurrentCellAndRaiseTheirEvents) {
   int clicks = 0, doubles = 0;
   grid.Click = [&] { ++clicks; };
   grid.DblClick = [&] { ++doubles; };
-  EXPECT_EQ(grid.Apply(At("cell_dblclick", 3, 2)), "");
+  EXPECT_EQ(grid.Apply(Gesture{"cell_dblclick", "", 3, 2}), "");
   EXPECT_EQ(grid.Row(), 3);
   EXPECT_EQ(grid.Col(), 2);
   EXPECT_EQ(doubles, 1);
   EXPECT_EQ(clicks, 0);
 
-  EXPECT_NE(grid.Apply(At("cell_click", 9, 1)), "");
+  EXPECT_NE(grid.Apply(Gesture{"cell_click", "", 9, 1}), "");
   grid.Enabled = false;
-  EXPECT_NE(grid.Apply(At("cell_click", 1, 1)), "");
-  EXPECT_NE(grid.Apply(At("cell_edit", 1, 1)), "");
+  EXPECT_NE(grid.Apply(Gesture{"cell_click", "", 1, 1}), "");
+  EXPECT_NE(grid.Apply(Gesture{"cell_edit", "", 1, 1}), "");
   EXPECT_EQ(clicks, 0);
   EXPECT_EQ(grid.Row(), 3);
 }
 
-TEST(VsFlexGridGestures, APersonSizesAndHidesColumns) {
-  VsFlexGrid grid("Vs");
-  FillRentGrid(grid);
-  Gesture g = At("col_width", -1, 2);
-  g.text = "1500";
+TEST_F(VsFlexGridTest, APersonSizesAndHidesColumns) {
+  Gesture g{"col_width", "1500", -1, 2};
   EXPECT_EQ(grid.Apply(g), "");
   EXPECT_EQ(grid.ColWidth(2), 1500);
   g.text = "0";

