@@ -89,7 +89,7 @@ test('owners: a new owner through the entry dialog', async () => {
   assert.match(row, /Y01\s*张三\s*女\s*13800000000/);
 });
 
-test('owners: a missing name and a taken code are refused with an alert; Esc closes the dialog', async () => {
+test('owners: a missing name and a taken code are refused with an alert; Esc closes the dialog after asking', async () => {
   await idle();
   await tool('FileNew').click();
   await dialog().waitFor();
@@ -112,9 +112,11 @@ test('owners: a missing name and a taken code are refused with an alert; Esc clo
   await shot(page, '11-owner-duplicate');
   await alert.locator('button:text("确定")').click();
   await alert.waitFor({ state: 'detached' });
-  // The dialog stays with what was typed; Esc is its close box and saves nothing.
+  // The dialog stays with what was typed; Esc is its close box (after asking, as fields
+  // were changed) and saves nothing.
   assert.equal(await input(1).inputValue(), '李四');
   await input(1).press('Escape');
+  await page.locator('[data-layer="msgbox"] button[data-answer="6"]').click();
   await dialog().waitFor({ state: 'detached' });
   await idle();
   assert.equal(await dataRows().count(), 1);

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cctype>
 #include <condition_variable>
+#include <cstdio>
 #include <ctime>
 #include <deque>
 #include <filesystem>
@@ -32,6 +33,32 @@ constexpr size_t kTokenBytes = 32;
 
 WebResponse Refuse(int status, const std::string& error) {
   return {status, {{"ok", false}, {"error", error}}, ""};
+}
+
+// True when the text holds a Chinese character: the sheets' own messages and the server's
+// sign-in texts are written for the clerk; the rest is a developer's detail.
+bool ForAClerk(const std::string& text) {
+  for (size_t i = 0; i + 2 < text.size(); ++i) {
+    const auto c = static_cast<unsigned char>(text[i]);
+    if (c >= 0xE3 && c <= 0xE9) return true;  // UTF-8 lead bytes of U+3000..U+9FFF
+  }
+  return false;
+}
+
+// A refused answer whose error is a developer's detail gets a sentence for the clerk in
+// "message" (the client shows only that) and the detail goes to the server's log.
+void ForTheClerk(const WebRequest& request, WebResponse& r) {
+  if (!r.body.is_object() || r.body.value("ok", true)) return;
+  const std::string error = r.body.value("error", std::string());
+  if (error.empty() || ForAClerk(error)) return;
+  std::fprintf(stderr, "mrvk serve: %s %s refused (%d): %s\n", request.method.c_str(),
+               request.path.c_str(), r.status, error.c_str());
+  std::fflush(stderr);
+  const bool unbuilt = error.find("is not built yet") != std::string::npos;
+  r.body["message"] = unbuilt ? "该功能尚未提供，请选择其他功能或联系系统管理员。"
+                      : r.status >= 500
+                          ? "服务器未能完成操作，请稍后重试；如仍不成功，请联系系统管理员。"
+                          : "操作未能完成，请刷新页面后重试；如仍不成功，请联系系统管理员。";
 }
 
 std::string Today() {
@@ -755,11 +782,14 @@ WebApp::~WebApp() = default;
 Status WebApp::Start(std::string& one_time_password) { return impl_->Start(one_time_password); }
 
 WebResponse WebApp::Handle(const WebRequest& request) {
+  WebResponse r;
   try {
-    return impl_->Handle(request);
+    r = impl_->Handle(request);
   } catch (const std::exception& e) {
-    return Refuse(500, std::string("internal error: ") + e.what());
+    r = Refuse(500, std::string("internal error: ") + e.what());
   }
+  ForTheClerk(request, r);
+  return r;
 }
 
 std::vector<MenuEntry> WebApp::Menu(std::string& error) { return impl_->Menu(error); }

@@ -61,7 +61,7 @@ async function api(method, path, body) {
     signedOut((data && data.error) || '登录已过期，请重新登录');
   }
   if (!res.ok && !(res.status === 422 && data)) {
-    throw new ApiError(res.status, (data && data.error) || ('HTTP ' + res.status), data);
+    throw new ApiError(res.status, (data && (data.message || data.error)) || ('HTTP ' + res.status), data);
   }
   return data;
 }
@@ -91,7 +91,20 @@ async function afterCommits() {
 
 // ---------------------------------------------------------------- status line, alerts
 
-function status(text) { $('statusline').textContent = text || ''; }
+// A text the clerk may read: the sheets' and the server's sentences are Chinese; anything
+// else is a developer's detail (the server logs it) and shows as a sentence saying what to do.
+const GENERIC_FAILURE = '操作未能完成，请刷新页面后重试；如仍不成功，请联系系统管理员。';
+function clerkText(text) {
+  const t = String(text ?? '');
+  return !t || /[\u3000-\u9fff\uff00-\uffef]/.test(t) ? t : GENERIC_FAILURE;
+}
+
+// The clerk's sentence of a refused answer.
+function failure(a, fallback) {
+  return (a && a.message) || clerkText(a && a.error) || fallback || GENERIC_FAILURE;
+}
+
+function status(text) { $('statusline').textContent = clerkText(text); }
 
 function alertLayer(message, title) {
   return new Promise((resolve) => {
@@ -99,27 +112,78 @@ function alertLayer(message, title) {
     const { close } = openLayer({
       title: title || '提示', cls: 'alert',
       body: [el('div', { class: 'prompt' }, el('span', { class: 'icon', text: '⚠' }),
-                el('span', { class: 'text', text: message }))],
+                el('span', { class: 'text', text: clerkText(message) }))],
       buttons: [ok], onClose: () => resolve(),
     });
     ok.focus();
   });
 }
 
+// The topmost open layer, which holds the keyboard.
+function topLayer() {
+  const b = $('layers').lastElementChild;
+  return b ? b.querySelector('.layer') : null;
+}
+
+function focusables(root) {
+  return [...root.querySelectorAll('button, input, select, textarea, a[href], [tabindex]')]
+    .filter((e) => !e.disabled && e.tabIndex >= 0 && e.getClientRects().length > 0 &&
+      !(e.type === 'radio' && !e.checked && root.querySelector(`input[type=radio][name="${CSS.escape(e.name)}"]:checked`)));
+}
+
+// While a layer is open, Tab cycles through its own controls and nothing behind it takes a
+// key or the focus.
+document.addEventListener('keydown', (e) => {
+  const layer = topLayer();
+  if (!layer) return;
+  if (!layer.contains(e.target)) {
+    e.preventDefault();
+    e.stopImmediatePropagation();
+    const back = layer.lastFocus && layer.lastFocus.isConnected ? layer.lastFocus : focusables(layer)[0];
+    (back || layer).focus();
+    return;
+  }
+  if (e.key !== 'Tab') return;
+  const list = focusables(layer);
+  if (!list.length) { e.preventDefault(); return; }
+  const i = list.indexOf(document.activeElement);
+  if (e.shiftKey && i <= 0) { e.preventDefault(); list[list.length - 1].focus(); }
+  else if (!e.shiftKey && (i < 0 || i === list.length - 1)) { e.preventDefault(); list[0].focus(); }
+}, true);
+// The focus that goes behind the topmost layer comes back where it was in that layer.
+document.addEventListener('focusin', (e) => {
+  const layer = topLayer();
+  if (!layer) return;
+  if (layer.contains(e.target)) { layer.lastFocus = e.target; return; }
+  const back = layer.lastFocus && layer.lastFocus.isConnected ? layer.lastFocus : focusables(layer)[0];
+  (back || layer).focus();
+});
+
 // A modal layer over the page. Returns close().
-function openLayer({ title, cls, body, buttons, onClose, name }) {
-  const closeBox = el('button', { type: 'button', title: '关闭', text: '×', class: 'close-box' });
+// confirmClose, when given, is asked (async) before the close box or Esc closes the layer.
+function openLayer({ title, cls, body, buttons, onClose, name, confirmClose }) {
+  // The close box is for the mouse; Esc is its key.
+  const closeBox = el('button', { type: 'button', title: '关闭 (Esc)', text: '×', class: 'close-box',
+                                  tabindex: '-1' });
   const layer = el('div', { class: 'layer ' + (cls || ''), role: 'dialog', 'aria-modal': 'true',
-                            'data-layer': name || cls || 'layer' },
+                            tabindex: '-1', 'data-layer': name || cls || 'layer' },
     el('div', { class: 'title' }, el('span', { text: title || '' }), closeBox),
     el('div', { class: 'body' }, body),
     buttons && buttons.length ? el('div', { class: 'buttons' }, buttons) : null);
   const backdrop = el('div', { class: 'backdrop' }, layer);
   $('layers').append(backdrop);
   const close = () => backdrop.remove();
-  closeBox.addEventListener('click', () => { close(); if (onClose) onClose(); });
+  const dismiss = async () => {
+    if (!onClose || (confirmClose && !(await confirmClose()))) return;
+    close();
+    onClose();
+  };
+  closeBox.addEventListener('click', dismiss);
   layer.addEventListener('keydown', (e) => {
-    if (e.key === 'Escape' && onClose) { e.preventDefault(); close(); onClose(); }
+    if (e.key !== 'Escape') return;
+    e.preventDefault();
+    e.stopPropagation();
+    dismiss();
   });
   return { close, layer };
 }
@@ -146,7 +210,7 @@ async function showEvents(answer, tab) {
   for (const e of answer.events || []) {
     const a = e.args || [];
     if (e.name === 'Message') status(a[0]);
-    else if (e.name === 'ErrMessage') await alertLayer(String(a[0] ?? ''), a[2] || '错误');
+    else if (e.name === 'ErrMessage') await alertLayer(String(a[0] ?? ''), clerkText(a[2]) || '错误');
     else if (e.name === 'Detaile') setTimeout(() => openScreen(Number(a[0]), Number(a[1])), 0);
     else if (e.name === 'fileedit') setTimeout(() => openScreen(Number(a[0]), Number(a[1])), 0);
     else if (e.name === 'filenew') {
@@ -158,7 +222,7 @@ async function showEvents(answer, tab) {
   }
   if (!answer.ok && answer.error && !answer.pending) {
     // A refused request (a gesture on a locked field, a bad call): shown, nothing changed.
-    status(answer.error);
+    status(failure(answer));
   }
 }
 
@@ -185,7 +249,9 @@ function messageBox(p) {
     const flags = p.flags || 0;
     const set = MB_BUTTONS[flags & 7] || MB_BUTTONS[0];
     const icon = MB_ICONS[flags & 0x70];
-    const cancelValue = set.some(([, v]) => v === 2) ? 2 : (set.length === 1 ? set[0][1] : null);
+    // Esc answers as the box's cancel, else its no, else its only button.
+    const has = (x) => set.some(([, v]) => v === x);
+    const cancelValue = has(2) ? 2 : has(7) ? 7 : (set.length === 1 ? set[0][1] : null);
     let close;
     const buttons = set.map(([label, value]) => el('button', {
       type: 'button', text: label, 'data-answer': String(value),
@@ -198,11 +264,41 @@ function messageBox(p) {
       buttons,
       onClose: cancelValue === null ? null : () => resolve(cancelValue),
     }));
-    // The default button is the first, as on the desktop (flags 256/512 move it).
+    // The default button is the first, as on the desktop (flags 256/512 move it); Enter
+    // answers with the focused button.
     const def = (flags & 0x300) >> 8;
+    (buttons[def] || buttons[0]).classList.add('default');
     (buttons[def] || buttons[0]).focus();
   });
 }
+
+// Asks before an edit is thrown away; true when the clerk agrees. The default is No.
+async function confirmDiscard(what) {
+  const answer = await messageBox({ prompt: (what || '当前界面') + '有未保存的修改，确定放弃这些修改吗？',
+                                    flags: 4 + 48 + 256, title: '提示' });
+  return answer === 6;
+}
+
+// A text typed into a field of root and not yet sent.
+function typedUnsent(root) {
+  return !!root && [...root.querySelectorAll('input[data-original], textarea[data-original]')]
+    .some((i) => i.value !== i.dataset.original);
+}
+
+// A screen with an edit that a reload or a close would throw away.
+function tabDirty(t) {
+  return !!(t.state && (t.state.IsDirty || (t.editing && typedUnsent(t.node))));
+}
+
+function markDirty(t) {
+  if (t.tabEl) t.tabEl.classList.toggle('dirty', tabDirty(t));
+}
+
+window.addEventListener('beforeunload', (e) => {
+  if (!tabs.some(tabDirty) && !document.querySelector('[data-layer="dialog"].changed')) return;
+  e.preventDefault();
+  e.returnValue = '';
+});
 
 function inputBox(p) {
   return new Promise((resolve) => {
@@ -261,7 +357,7 @@ function pickerLayer(p, answer) {
       const note = el('div', { class: 'hint', text:
         `共 ${d.count ?? (d.rows || []).length} 行` + (d.multiple ? '（按住 Ctrl 可多选）' : '') });
       const err = lastAnswer && !lastAnswer.ok && lastAnswer.error
-        ? el('div', { class: 'error', text: lastAnswer.error }) : null;
+        ? el('div', { class: 'error', text: failure(lastAnswer) }) : null;
       ({ close: layerClose } = openLayer({
         title: d.caption || pending.title || '选择', name: 'picker',
         body: [controls, err, el('div', { class: 'grid-wrap' },
@@ -306,19 +402,27 @@ function dialogLayer(p, answer) {
     let footer = null;
     let buttons = [];
     const typed = new Map();  // texts sent and not yet answered, by control
+    // A gesture that changes a field makes the dialog's edit one that Esc asks about.
+    const changes = new Set(['type', 'pick', 'toggle', 'cell_edit']);
     const render = (pending, lastAnswer, moved) => {
       const d = pending.dialog || {};
-      const ctx = { gesture: (g) => dialogGesture(g, render, resolve, () => closeLayer(), 'dialog'),
-                    pending: typed };
+      const ctx = { gesture: (g) => {
+        if (changes.has(g.gesture) || (g.gesture === 'click' && /^opt/i.test(g.control))) {
+          layer.classList.add('changed');
+        }
+        return dialogGesture(g, render, resolve, () => closeLayer(), 'dialog');
+      }, pending: typed };
       const focus = captureFocus(layer);
       const { form, commands } = dialogForm(d.controls || [], ctx);
       const err = lastAnswer && !lastAnswer.ok && lastAnswer.error
-        ? el('div', { class: 'error', role: 'alert', text: lastAnswer.error }) : null;
+        ? el('div', { class: 'error', role: 'alert', text: failure(lastAnswer) }) : null;
       buttons = commands;
       if (!layer) {
         ({ close: closeLayer, layer } = openLayer({
           title: d.caption || pending.title || '', name: 'dialog', cls: 'entry-dialog',
           body: [err, form], onClose: () => resolve(null),
+          confirmClose: () => (layer.classList.contains('changed') || typedUnsent(layer)
+            ? confirmDiscard('录入框') : true),
         }));
         footer = el('div', { class: 'buttons' });
         layer.append(footer);
@@ -819,10 +923,13 @@ let menuEntries = new Map();
 
 async function openScreen(progID, record) {
   const entry = menuEntries.get(progID);
-  if (!entry) { await alertLayer('没有功能 ' + progID, '提示'); return null; }
+  if (!entry || !entry.ready) {
+    await alertLayer((entry ? entry.name : '该功能') + '尚未提供，请选择其他功能或联系系统管理员。', '提示');
+    return null;
+  }
   if (entry.kind === 'tool') {
     const a = await settle(await protocol({ op: 'tool', progID, record: record || 0 }), null);
-    if (!a.ok) await alertLayer(a.error || '执行失败', entry.name);
+    if (!a.ok) await alertLayer(failure(a, '执行失败'), entry.name);
     else status(entry.name + (a.result ? ' 完成' : ' 未执行'));
     return null;
   }
@@ -835,10 +942,11 @@ async function openScreen(progID, record) {
     a = await settle(await protocol({ op: 'open', progID, record: record || 0 }), null);
   } catch (e) {
     await alertLayer(e.message, entry.name);
+    status('');
     return null;
   }
   if (!a.ok) {
-    await alertLayer(a.error || '打开失败', entry.name);
+    await alertLayer(failure(a, '打开失败'), entry.name);
     status('');
     return null;
   }
@@ -848,6 +956,7 @@ async function openScreen(progID, record) {
   tab.node = el('div', { class: 'screen', 'data-screen': String(tab.screen),
                          'data-prog': String(progID) });
   tab.node.addEventListener('dblclick', (e) => screenDblclick(tab, e));
+  tab.node.addEventListener('input', () => markDirty(tab));
   $('screens').append(tab.node);
   tab.tabEl = el('div', { class: 'tab', role: 'tab', 'data-prog': String(progID) },
     el('span', { text: entry.name }),
@@ -873,8 +982,9 @@ function activate(tab) {
 }
 
 async function closeTab(tab) {
+  if (tabDirty(tab) && !(await confirmDiscard(tab.name))) return;
   const a = await settle(await protocol({ op: 'close', screen: tab.screen }), tab);
-  if (!a.ok) { await alertLayer(a.error || '关闭失败', tab.name); return; }
+  if (!a.ok) { await alertLayer(failure(a, '关闭失败'), tab.name); return; }
   tab.node.remove();
   tab.tabEl.remove();
   tabs.splice(tabs.indexOf(tab), 1);
@@ -886,9 +996,10 @@ async function closeTab(tab) {
 async function refreshState(tab) {
   if (!tabs.includes(tab)) return;
   const a = await settle(await protocol({ op: 'state', screen: tab.screen }), tab);
-  if (!a.ok) { status(a.error); return; }
+  if (!a.ok) { status(failure(a)); return; }
   tab.state = a.result;
   drawScreen(tab);
+  markDirty(tab);
   if (tab === active) drawToolbar();
 }
 
@@ -949,7 +1060,7 @@ async function openRow(tab, row, col, ref) {
 
 async function screenGesture(tab, g, noRefresh) {
   const a = await settle(await protocol(Object.assign({ op: 'gesture', screen: tab.screen }, g)), tab);
-  if (!a.ok && a.error) status(a.error);
+  if (!a.ok && a.error) status(failure(a));
   if (noRefresh) return;
   await refreshState(tab);
   const moved = a.ok && tab.state ? movedFocus(tab.state.controls, g) : null;
@@ -1038,9 +1149,9 @@ async function toolbarCommand(tab, cmd) {
       if ((cmd === 'FileNew' || cmd === 'FileEdit') && !a.dialogShown) tab.editing = true;
       if (cmd === 'FileSave' || cmd === 'FileCancel' || cmd === 'FileDelete') tab.editing = false;
     } else if (!a.ok) {
-      await alertLayer(a.error || '操作失败', tab.name);
+      await alertLayer(failure(a, '操作失败'), tab.name);
     }
-    if (a.print_error) await alertLayer('打印页面未能生成：' + a.print_error, tab.name);
+    if (a.print_error) await alertLayer('打印页面未能生成，请重试；如仍不成功，请联系系统管理员。', tab.name);
     if (a.documents && a.documents.length) {
       showDocuments(a.documents);
     } else if ((cmd === 'DoPrint' || cmd === 'PrintPreview') && a.ok && !a.print_error) {
@@ -1094,7 +1205,7 @@ async function printListGrid(tab, direct) {
   const req = { op: 'print_grid', screen: tab.screen, control: grid.name, title: tab.name, direct };
   if (grid.index !== undefined) req.index = grid.index;
   const a = await settle(await protocol(req), tab);
-  if (!a.ok) { await alertLayer(a.error || '打印失败', tab.name); return true; }
+  if (!a.ok) { await alertLayer(failure(a, '打印失败'), tab.name); return true; }
   if (!a.documents || !a.documents.length) return false;
   showDocuments(a.documents);
   return true;
@@ -1111,7 +1222,7 @@ async function exportGrid(tab) {
   if (choice.grid.index !== undefined) req.index = choice.grid.index;
   const a = await settle(await protocol(req), tab);
   if (!a.ok || !a.result || !a.result.url) {
-    await alertLayer(a.error || '导出失败', tab.name);
+    await alertLayer(failure(a, '导出失败'), tab.name);
     return;
   }
   const link = el('a', { href: a.result.url, download: a.result.name, hidden: true });
@@ -1211,8 +1322,10 @@ async function loadMenu() {
     const d = el('details', { open: true }, el('summary', { text: g.name || '其他' }));
     for (const e of g.entries) {
       menuEntries.set(e.progID, e);
+      // An entry whose screen is not provided yet cannot be opened: it shows, greyed.
       d.append(el('button', { type: 'button', class: 'entry' + (e.ready ? '' : ' unready'),
-        text: e.name, 'data-prog': String(e.progID), title: e.ready ? e.class : e.class + '（尚未提供）',
+        text: e.name, 'data-prog': String(e.progID), disabled: !e.ready,
+        title: e.ready ? '打开' + e.name : e.name + '（尚未提供）',
         onclick: () => openScreen(e.progID, 0) }));
     }
     nav.append(d);

@@ -1,0 +1,155 @@
+// A clerk's keyboard and mouse on the owners' list and the buildings sheet: boxes and dialogs
+// hold the keyboard, Esc answers as cancel/no, nothing a developer wrote reaches the clerk,
+// and an edit is never thrown away without asking. Screenshots at desktop and phone width.
+import { after, before, test } from 'node:test';
+import assert from 'node:assert/strict';
+import { shot, signIn, startBrowser, startServer } from './support.mjs';
+
+let server;
+let browser;
+let context;
+let page;
+
+before(async () => {
+  server = await startServer();
+  ({ browser, context } = await startBrowser());
+  page = await context.newPage();
+  await signIn(page, server.url, 'admin', server.password, 'e2e-secret-3');
+});
+
+after(async () => {
+  if (browser) await browser.close();
+  if (server) await server.stop();
+});
+
+const OWNERS = 870004;
+const BUILDINGS = 870001;
+const screen = (prog) => `.screen[data-prog="${prog}"]`;
+const tool = (cmd) => page.locator(`#toolbar button[data-cmd="${cmd}"]`);
+const dialog = () => page.locator('[data-layer="dialog"]');
+const box = () => page.locator('[data-layer="msgbox"]');
+const input = (i) => dialog().locator(`[data-control="kvTxt(${i})"] input`);
+const ownerRows = () => page.locator(`${screen(OWNERS)} [data-control="Vs"] tbody tr`);
+const settled = () => page.waitForSelector('body:not(.busy)', { state: 'attached' });
+const idle = () => page.waitForSelector('#toolbar button[data-cmd="FileNew"]:not([disabled])');
+const statusText = () => page.locator('#statusline').textContent();
+
+// The layer (data-layer) that holds the focus, or null.
+const focusedLayer = () => page.evaluate(() =>
+  document.activeElement?.closest('[data-layer]')?.dataset.layer ?? null);
+
+async function tabAround(times) {
+  const seen = new Set();
+  for (let i = 0; i < times; i++) {
+    await page.keyboard.press(i % 3 === 2 ? 'Shift+Tab' : 'Tab');
+    seen.add(await focusedLayer());
+  }
+  return [...seen];
+}
+
+async function bothWidths(name) {
+  await shot(page, name + '-desktop');
+  await page.setViewportSize({ width: 390, height: 800 });
+  await shot(page, name + '-phone');
+  await page.setViewportSize({ width: 1280, height: 800 });
+}
+
+test('menu: an entry whose screen is not provided is greyed and does not open', async () => {
+  const unready = page.locator('#menu button.entry.unready');
+  assert.ok(await unready.count() > 0, 'the menu has entries not provided yet');
+  assert.equal(await unready.first().isDisabled(), true);
+  assert.match(await unready.first().getAttribute('title'), /（尚未提供）$/);
+  await unready.first().click({ force: true });
+  assert.equal(await page.locator('.tab').count(), 0);
+  assert.equal(await page.locator('[data-layer]').count(), 0);
+});
+
+test('owners: the entry dialog and its question hold the keyboard; Esc asks, answers no', async () => {
+  await page.click(`#menu button[data-prog="${OWNERS}"]`);
+  await page.waitForSelector(`${screen(OWNERS)}:not([hidden]) [data-control="Vs"] table.grid`);
+  await tool('FileNew').click();
+  await dialog().waitFor();
+  assert.deepEqual(await tabAround(12), ['dialog']);
+  await input(1).fill('王五');
+  // Esc with a changed field asks first; the question's default is 否, Tab stays in it.
+  await input(1).press('Escape');
+  await box().waitFor();
+  assert.equal(await box().locator('.text').textContent(),
+    '录入框有未保存的修改，确定放弃这些修改吗？');
+  assert.equal(await page.evaluate(() => document.activeElement.dataset.answer), '7');
+  assert.deepEqual(await tabAround(5), ['msgbox']);
+  // Typing with a box open reaches nothing behind it, and no protocol text shows.
+  await page.keyboard.type('abc');
+  await bothWidths('20-dialog-esc-question');
+  await page.keyboard.press('Escape');
+  await box().waitFor({ state: 'detached' });
+  assert.equal(await input(1).inputValue(), '王五');
+  assert.equal(await statusText(), '');
+  // Asked again and answered 是: the dialog goes and nothing is saved.
+  await input(1).press('Escape');
+  await box().locator('button[data-answer="6"]').click();
+  await dialog().waitFor({ state: 'detached' });
+  await idle();
+  assert.equal(await ownerRows().count(), 0);
+
+  // A saved owner, then delete: Esc on its yes/no question answers no and keeps the row.
+  await tool('FileNew').click();
+  await dialog().waitFor();
+  await input(0).fill('Y01');
+  await input(1).fill('王五');
+  await input(1).press('Tab');
+  await settled();
+  await dialog().locator('button:text("保存(S)")').click();
+  await dialog().waitFor({ state: 'detached' });
+  await page.locator(`${screen(OWNERS)} [data-control="Vs"] tbody tr td`, { hasText: '王五' }).click();
+  await idle();
+  await tool('FileDelete').click();
+  await box().waitFor();
+  assert.deepEqual(await tabAround(4), ['msgbox']);
+  await page.keyboard.press('Escape');
+  await box().waitFor({ state: 'detached' });
+  await idle();
+  assert.equal(await ownerRows().count(), 1);
+});
+
+test('a refused request shows a Chinese sentence, never the developer text', async () => {
+  await idle();
+  // A gesture on a control the screen does not have: the host refuses it in English.
+  await page.evaluate(() => screenGesture(active, { gesture: 'cell_click', control: 'NoSuchGrid', row: 1, col: 1 }));
+  const text = await statusText();
+  assert.equal(text, '操作未能完成，请刷新页面后重试；如仍不成功，请联系系统管理员。');
+});
+
+test('buildings: a dirty screen is marked; closing it or reloading asks first', async () => {
+  await page.click(`#menu button[data-prog="${BUILDINGS}"]`);
+  const buildings = `${screen(BUILDINGS)}:not([hidden])`;
+  await page.waitForSelector(`${buildings} .tree .node[data-key="ROOT"]`);
+  await idle();
+  const tab = page.locator(`.tab[data-prog="${BUILDINGS}"]`);
+  const unload = () => page.evaluate(() => {
+    const e = new Event('beforeunload', { cancelable: true });
+    window.dispatchEvent(e);
+    return e.defaultPrevented;
+  });
+  assert.equal(await unload(), false);
+  await tool('FileNew').click();
+  const code = page.locator(`${buildings} [data-control="kvTxt(0)"] input:not([disabled])`);
+  await code.waitFor();
+  await code.fill('B09');
+  await code.press('Tab');
+  await settled();
+  await page.waitForSelector(`.tab.dirty[data-prog="${BUILDINGS}"]`);
+  assert.equal(await unload(), true);
+  await tab.locator('button.close').click();
+  await box().waitFor();
+  assert.match(await box().locator('.text').textContent(), /^楼宇.*有未保存的修改/);
+  await bothWidths('21-close-dirty-tab');
+  await box().locator('button[data-answer="7"]').click();
+  await box().waitFor({ state: 'detached' });
+  assert.equal(await tab.count(), 1);
+  assert.equal(await code.inputValue(), 'B09');
+  await tab.locator('button.close').click();
+  await box().locator('button[data-answer="6"]').click();
+  await tab.waitFor({ state: 'detached' });
+  assert.equal(await unload(), false);
+});
