@@ -1,6 +1,6 @@
 // A clerk's keyboard and mouse on the owners' list and the buildings sheet: boxes and dialogs
 // hold the keyboard, Esc answers as cancel/no, nothing a developer wrote reaches the clerk,
-// and an edit is never thrown away without asking. Screenshots at desktop and phone width.
+// an edit is never thrown away without asking, and a field whose text was not found says so. Screenshots at desktop and phone width.
 import { after, before, test } from 'node:test';
 import assert from 'node:assert/strict';
 import { shot, signIn, startBrowser, startServer } from './support.mjs';
@@ -140,6 +140,25 @@ test('buildings: a dirty screen is marked; closing it or reloading asks first', 
   await settled();
   await page.waitForSelector(`.tab.dirty[data-prog="${BUILDINGS}"]`);
   assert.equal(await unload(), true);
+
+  // An estate that is not there: after its message the field is marked wrong, holds the
+  // focus with its text selected, and the next key replaces the text; emptied, it is not wrong.
+  const estate = page.locator(`${buildings} [data-control="kvTxt(2)"] input`);
+  await estate.fill('没有这个物业');
+  await estate.press('Tab');
+  await box().waitFor();
+  assert.match(await box().locator('.text').textContent(), /输入有误/);
+  await page.keyboard.press('Enter');
+  await box().waitFor({ state: 'detached' });
+  await page.waitForSelector(`${buildings} [data-control="kvTxt(2)"] input[aria-invalid="true"]:focus`);
+  assert.equal(await estate.evaluate((i) => i.value.slice(i.selectionStart, i.selectionEnd)), '没有这个物业');
+  await bothWidths('22-field-not-found');
+  await page.keyboard.type('Q');
+  assert.equal(await estate.inputValue(), 'Q');
+  await estate.fill('');
+  await estate.press('Tab');
+  await settled();
+  assert.equal(await estate.getAttribute('aria-invalid'), null);
   await tab.locator('button.close').click();
   await box().waitFor();
   assert.match(await box().locator('.text').textContent(), /^楼宇.*有未保存的修改/);

@@ -197,7 +197,11 @@ async function settle(answer, tab) {
   let dialogShown = false;
   for (;;) {
     await showEvents(answer, tab);
-    if (!answer.pending) return dialogShown ? Object.assign(answer, { dialogShown }) : answer;
+    if (!answer.pending) {
+      if (!dialogShown) return answer;
+      for (const k of wrongFields) if (k.startsWith('dialog|')) wrongFields.delete(k);
+      return Object.assign(answer, { dialogShown });
+    }
     if (answer.pending.kind === 'dialog') dialogShown = true;
     const value = await askPending(answer.pending, tab, answer);
     // A gesture in a dialog that closed it already brought the next answer.
@@ -236,8 +240,23 @@ const MB_BUTTONS = {
 };
 const MB_ICONS = { 16: '⛔', 32: '❓', 48: '⚠', 64: 'ℹ' };
 
+// Fields whose typed text their check did not find ("scope|control", the scope a screen id or
+// "dialog"): drawn as wrong until a text passes or the field is emptied. The field whose leave
+// is on its way is `leaving`; a warning box that comes before its answer is that check's.
+const wrongFields = new Set();
+let leaving = null;
+let selectWrong = null;
+
 function askPending(p, tab, answer) {
-  if (p.kind === 'msgbox') return messageBox(p);
+  if (p.kind === 'msgbox') {
+    const icon = (p.flags || 0) & 0x70;
+    if (leaving && (icon === 16 || icon === 48)) {
+      wrongFields.add(leaving);
+      selectWrong = leaving;
+      leaving = null;
+    }
+    return messageBox(p);
+  }
   if (p.kind === 'inputbox') return inputBox(p);
   if (p.kind === 'picker') return pickerLayer(p, answer);
   if (p.kind === 'dialog') return dialogLayer(p, answer);
@@ -411,7 +430,7 @@ function dialogLayer(p, answer) {
           layer.classList.add('changed');
         }
         return dialogGesture(g, render, resolve, () => closeLayer(), 'dialog');
-      }, pending: typed };
+      }, pending: typed, scope: 'dialog' };
       const focus = captureFocus(layer);
       const { form, commands } = dialogForm(d.controls || [], ctx);
       const err = lastAnswer && !lastAnswer.ok && lastAnswer.error
@@ -447,6 +466,7 @@ function dialogLayer(p, answer) {
       if (!(moved && restoreFocus(layer, { key: moved })) && !restoreFocus(layer, focus)) {
         focusFirst(layer);
       }
+      focusWrong(layer, 'dialog');
     };
     render(p, answer);
   });
@@ -528,6 +548,18 @@ function movedFocus(controls, g) {
   const key = f.name + (f.index !== undefined ? '(' + f.index + ')' : '');
   const own = g.control + (g.index !== undefined ? '(' + g.index + ')' : '');
   return key.toLowerCase() === own.toLowerCase() ? null : key;
+}
+
+// After a check refused a field's text: the focus goes back to it with the text selected, so
+// that typing replaces it.
+function focusWrong(root, scope) {
+  if (!selectWrong || !selectWrong.startsWith(scope + '|')) return;
+  const key = selectWrong.slice(scope.length + 1);
+  const input = root.querySelector(`[data-control="${CSS.escape(key)}"] input`);
+  if (!input) return;
+  selectWrong = null;
+  input.focus();
+  input.select();
 }
 
 // The control the state marks as focused, else the first that takes input.
@@ -638,12 +670,15 @@ function drawControl(c, ctx) {
       // Until the host has the text, redraws show it as typed.
       if (ctx.pending) ctx.pending.set(key, original);
       const text = original;
+      const scoped = ctx.scope + '|' + key;
+      wrongFields.delete(scoped);
       const run = (async () => {
         try {
           await ctx.gesture(Object.assign({ gesture: 'type', text }, ref), true);
         } finally {
           if (ctx.pending && ctx.pending.get(key) === text) ctx.pending.delete(key);
         }
+        leaving = text.trim() ? scoped : null;
         await ctx.gesture(Object.assign({ gesture: 'leave' }, ref));
       })();
       commits.add(run);
@@ -651,6 +686,10 @@ function drawControl(c, ctx) {
     };
     input.addEventListener('change', commit);
     input.addEventListener('blur', commit);
+    if (wrongFields.has(ctx.scope + '|' + key)) input.setAttribute('aria-invalid', 'true');
+    input.addEventListener('input', () => {
+      if (!input.value) input.removeAttribute('aria-invalid');
+    });
     input.addEventListener('keydown', (e) => {
       if (e.key === 'Enter' && input.tagName !== 'TEXTAREA') { e.preventDefault(); commit(); }
     });
@@ -1022,6 +1061,7 @@ function drawScreen(tab) {
   tab.listSheet = listSheet;
   renderControls(tab.node, controls, {
     pending: tab.typed,
+    scope: String(tab.screen),
     gesture: (g, noRefresh) => screenGesture(tab, g, noRefresh),
     delegatesDblclick: true,  // screenDblclick
   });
@@ -1065,6 +1105,7 @@ async function screenGesture(tab, g, noRefresh) {
   await refreshState(tab);
   const moved = a.ok && tab.state ? movedFocus(tab.state.controls, g) : null;
   if (moved) restoreFocus(tab.node, { key: moved });
+  focusWrong(tab.node, String(tab.screen));
 }
 
 // ---------------------------------------------------------------- toolbar
@@ -1128,6 +1169,7 @@ function drawToolbar() {
 
 async function toolbarCommand(tab, cmd) {
   if (toolbarBusy) return;
+  leaving = null;
   toolbarBusy = true;
   drawToolbar();
   try {
