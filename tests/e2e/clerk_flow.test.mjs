@@ -67,6 +67,8 @@ test('menu: an entry whose screen is not provided is greyed and does not open', 
 test('owners: the entry dialog and its question hold the keyboard; Esc asks, answers no', async () => {
   await page.click(`#menu button[data-prog="${OWNERS}"]`);
   await page.waitForSelector(`${screen(OWNERS)}:not([hidden]) [data-control="Vs"] table.grid`);
+  // An empty list says so.
+  assert.equal(await page.locator(`${screen(OWNERS)} .grid-empty`).textContent(), '没有记录');
   await tool('FileNew').click();
   await dialog().waitFor();
   assert.deepEqual(await tabAround(12), ['dialog']);
@@ -112,6 +114,61 @@ test('owners: the entry dialog and its question hold the keyboard; Esc asks, ans
   assert.equal(await ownerRows().count(), 1);
 });
 
+async function newOwner(code, name, phone) {
+  await idle();
+  await tool('FileNew').click();
+  await dialog().waitFor();
+  await input(0).fill(code);
+  await input(1).fill(name);
+  await input(2).fill(phone);
+  await input(2).press('Tab');
+  await settled();
+  await dialog().locator('button:text("保存(S)")').click();
+  await dialog().waitFor({ state: 'detached' });
+  await page.waitForSelector(`${screen(OWNERS)} tbody tr:has-text("${name}")`);
+}
+
+const names = async () => (await page.locator(`${screen(OWNERS)} tbody tr td:nth-child(3)`).allTextContents());
+
+test('owners: a find keeps the whole short list; header sort; arrow keys and Enter', async () => {
+  await newOwner('Y10', '赵六', '9');
+  await newOwner('Y02', '钱七', '100');
+  // A list sheet serves no record navigation; the toolbar does not offer it.
+  assert.equal(await tool('RecordTop').count(), 0);
+  assert.equal(await tool('Export').count(), 1);
+  await tool('Find').click();
+  const find = page.locator('[data-layer="inputbox"]');
+  await find.waitFor();
+  await find.locator('input').fill('钱七');
+  await find.locator('input').press('Enter');
+  await find.waitFor({ state: 'detached' });
+  await idle();
+  await page.waitForSelector(`${screen(OWNERS)} tbody tr.current:has-text("钱七")`);
+  await settled();
+  assert.equal(await ownerRows().count(), 3);
+  assert.equal(await page.locator(`${screen(OWNERS)} .pager`).count(), 0);
+  // The phone column sorts as numbers (9 before 100), the empty last; again: the other way.
+  const phone = page.locator(`${screen(OWNERS)} thead th:text-is("电话")`);
+  await phone.click();
+  assert.deepEqual(await names(), ['赵六', '钱七', '王五']);
+  await phone.click();
+  assert.deepEqual((await names()).slice(1), ['钱七', '赵六']);
+  await phone.click();
+  await bothWidths('23-owners-sorted');
+  // Arrow keys move the current row in the order shown; Enter edits it.
+  await page.locator(`${screen(OWNERS)} tbody tr td`, { hasText: '赵六' }).click();
+  await settled();
+  await page.keyboard.press('ArrowDown');
+  await page.waitForSelector(`${screen(OWNERS)} tbody tr.current:has-text("钱七")`);
+  await settled();
+  await page.keyboard.press('Enter');
+  await dialog().waitFor();
+  await page.waitForFunction(() =>
+    document.querySelector('[data-layer="dialog"] [data-control="kvTxt(1)"] input')?.value === '钱七');
+  await page.keyboard.press('Escape');
+  await dialog().waitFor({ state: 'detached' });
+});
+
 test('a refused request shows a Chinese sentence, never the developer text', async () => {
   await idle();
   // A gesture on a control the screen does not have: the host refuses it in English.
@@ -125,6 +182,9 @@ test('buildings: a dirty screen is marked; closing it or reloading asks first', 
   const buildings = `${screen(BUILDINGS)}:not([hidden])`;
   await page.waitForSelector(`${buildings} .tree .node[data-key="ROOT"]`);
   await idle();
+  // A tree sheet prints no page and has no list grid to export: neither is offered.
+  assert.equal(await tool('PrintPreview').count(), 0);
+  assert.equal(await tool('Export').count(), 0);
   const tab = page.locator(`.tab[data-prog="${BUILDINGS}"]`);
   const unload = () => page.evaluate(() => {
     const e = new Event('beforeunload', { cancelable: true });

@@ -528,7 +528,7 @@ function restoreFocus(root, f) {
   const holder = root.querySelector(`[data-control="${CSS.escape(f.key)}"]`);
   if (!holder) return false;
   const target = holder.matches('input, select, textarea, button')
-    ? holder : holder.querySelector('input, select, textarea, button');
+    ? holder : holder.querySelector('input, select, textarea, button, .grid-wrap[tabindex]');
   if (!target || target.disabled) return false;
   if (target.tagName === f.tag && f.original !== undefined && f.value !== f.original &&
       target.value === f.original) target.value = f.value;
@@ -843,6 +843,26 @@ function colourCss(v) {
   return `rgb(${r},${g},${b})`;
 }
 
+// A cell's text as a sort key: a number (thousands separators dropped), a date, or the text.
+function sortKey(text) {
+  const t = String(text ?? '').trim();
+  if (t === '') return [2, ''];
+  const n = t.replace(/,/g, '');
+  if (/^[-+]?(\d+\.?\d*|\.\d+)%?$/.test(n)) return [0, parseFloat(n)];
+  const d = /^(\d{4})[-/.](\d{1,2})[-/.](\d{1,2})(?:[ T](\d{1,2}):(\d{2})(?::(\d{2}))?)?$/.exec(t);
+  if (d) return [0, Date.UTC(+d[1], d[2] - 1, +d[3], +(d[4] || 0), +(d[5] || 0), +(d[6] || 0))];
+  return [1, t];
+}
+
+function compareKeys(a, b) {
+  if (a[0] !== b[0]) return a[0] - b[0];
+  if (a[0] === 1) return a[1].localeCompare(b[1], 'zh-Hans-CN');
+  return a[1] - b[1];
+}
+
+// Rows per state window of a large grid (the host sends this many from the top row).
+const GRID_WINDOW = 200;
+
 function drawGrid(c, ref, ctx) {
   const cols = c.columns || [];
   const shown = [];
@@ -854,6 +874,17 @@ function drawGrid(c, ref, ctx) {
   const cells = c.cells || [];
   const head = cells.filter((r) => r.row < fixedRows);
   const data = cells.filter((r) => r.row >= fixedRows);
+  // A header click sorts the rows shown by that column (again: the other way); the order is
+  // the client's own and stays over redraws of the same grid.
+  const gridKey = ref.control + (ref.index !== undefined ? '(' + ref.index + ')' : '');
+  const sorts = ctx.sorts || (ctx.sorts = new Map());
+  const sort = sorts.get(gridKey);
+  if (sort && cols[sort.col]) {
+    const subtotal = data.some((r) => r.subtotal !== undefined);
+    if (!subtotal) {
+      data.sort((a, b) => sort.dir * compareKeys(sortKey(a.text[sort.col]), sortKey(b.text[sort.col])));
+    }
+  }
   const thead = el('thead');
   // Fixed rows: equal neighbours merge across (merged headers) and down (merged columns).
   const spanDown = new Map();
@@ -876,6 +907,16 @@ function drawGrid(c, ref, ctx) {
       }
       const th = el('th', { text: texts[ci], colSpan: colspan, rowSpan: rowspan });
       if (cols[ci].width > 0) th.style.minWidth = Math.round(cols[ci].width / 15) + 'px';
+      if (h + rowspan === head.length && colspan === 1 && data.length > 1) {
+        th.classList.add('sortable');
+        th.title = '点击按此列排序';
+        if (sort && sort.col === ci) th.classList.add(sort.dir > 0 ? 'sorted-up' : 'sorted-down');
+        th.addEventListener('click', () => {
+          const dir = sort && sort.col === ci ? -sort.dir : 1;
+          sorts.set(gridKey, { col: ci, dir });
+          if (ctx.redraw) ctx.redraw();
+        });
+      }
       tr.append(th);
       k += colspan - 1;
     }
@@ -912,9 +953,42 @@ function drawGrid(c, ref, ctx) {
     tbody.append(tr);
   }
   const table = el('table', { class: 'grid' }, thead, tbody);
-  const wrap = el('div', { class: 'grid-wrap' }, table);
+  // An empty list says so under its header.
+  const empty = !data.length && c.type === 'VsFlexGrid' && (c.rows || 0) <= fixedRows
+    ? el('div', { class: 'grid-empty', text: '没有记录' }) : null;
+  const wrap = el('div', { class: 'grid-wrap', tabindex: '0' }, table, empty);
+  // Up and down move the current row among the rows shown, Enter opens it.
+  wrap.addEventListener('keydown', (e) => {
+    if (e.target !== wrap) return;
+    const rows = [...tbody.querySelectorAll('tr[data-row]')];
+    if (!rows.length) return;
+    const at = rows.findIndex((tr) => tr.classList.contains('current'));
+    const col = c.col >= fixedCols ? c.col : (shown.find((ci) => ci >= fixedCols) ?? 0);
+    if (e.key === 'ArrowDown' || e.key === 'ArrowUp') {
+      e.preventDefault();
+      const next = rows[Math.min(rows.length - 1, Math.max(0, at + (e.key === 'ArrowDown' ? 1 : -1)))];
+      if (at >= 0 && next === rows[at]) return;
+      rows.forEach((tr) => tr.classList.toggle('current', tr === next));
+      next.scrollIntoView({ block: 'nearest' });
+      ctx.gesture(Object.assign({ gesture: 'cell_click', row: Number(next.dataset.row), col }, ref));
+    } else if (e.key === 'Enter' && at >= 0) {
+      e.preventDefault();
+      const row = Number(rows[at].dataset.row);
+      if (ctx.openRow) ctx.openRow(row, col, ref);
+      else ctx.gesture(Object.assign({ gesture: 'cell_dblclick', row, col }, ref));
+    }
+  });
   const dataRows = (c.rows || 0) - fixedRows;
   const box = el('div', { class: 'grid-box' }, wrap);
+  // A find or a move that scrolled the grid so that its window starts mid-page: the window
+  // goes back to the start of its page, so that a short list shows all its rows.
+  const first = c.top_row || fixedRows;
+  const aligned = fixedRows + Math.floor((first - fixedRows) / GRID_WINDOW) * GRID_WINDOW;
+  if (c.type === 'VsFlexGrid' && dataRows > data.length && aligned < first &&
+      sorts.get('aligned ' + gridKey) !== first) {
+    sorts.set('aligned ' + gridKey, first);  // once for a top row, should the scroll be refused
+    setTimeout(() => ctx.gesture(Object.assign({ gesture: 'scroll', row: aligned }, ref)), 0);
+  }
   if (dataRows > data.length && c.type === 'VsFlexGrid') {
     // Large grids come 200 rows at a time from the top row; the pager scrolls the grid.
     const top = c.top_row || fixedRows;
@@ -1059,9 +1133,13 @@ function drawScreen(tab) {
   tab.node.classList.toggle('fill', grids.length === 1 && !shown.some((c) => c.type === 'TreeView'));
   if (!tab.typed) tab.typed = new Map();
   tab.listSheet = listSheet;
+  if (!tab.sorts) tab.sorts = new Map();
   renderControls(tab.node, controls, {
     pending: tab.typed,
     scope: String(tab.screen),
+    sorts: tab.sorts,
+    redraw: () => drawScreen(tab),
+    openRow: listSheet ? (row, col, ref) => openRow(tab, row, col, ref) : null,
     gesture: (g, noRefresh) => screenGesture(tab, g, noRefresh),
     delegatesDblclick: true,  // screenDblclick
   });
@@ -1151,7 +1229,14 @@ function enabledCommands(tab) {
   if (approvable && id > 0) on.add(approved ? 'UnCheck' : 'Check');
   if (hasRecord) { on.add('DoPrint'); on.add('PrintPreview'); }
   on.add('Export');
-  return on;
+  const served = servedCommands(tab);
+  return served ? new Set([...on].filter((x) => served.has(x))) : on;
+}
+
+// The commands a screen serves: those its sheet names (state "commands"), else all.
+function servedCommands(tab) {
+  const named = tab && tab.state && tab.state.commands;
+  return Array.isArray(named) && named.length ? new Set(named) : null;
 }
 
 function drawToolbar() {
@@ -1159,9 +1244,16 @@ function drawToolbar() {
   bar.textContent = '';
   // While a command runs the toolbar waits for it.
   const on = toolbarBusy ? new Set() : enabledCommands(active);
+  const served = servedCommands(active);
   for (const item of TOOLBAR) {
-    if (!item) { bar.append(el('span', { class: 'sep' })); continue; }
+    if (!item) {
+      if (bar.lastElementChild && !bar.lastElementChild.classList.contains('sep')) {
+        bar.append(el('span', { class: 'sep' }));
+      }
+      continue;
+    }
     const [label, cmd] = item;
+    if (served && !served.has(cmd)) continue;
     bar.append(el('button', { type: 'button', text: label, 'data-cmd': cmd,
       disabled: !on.has(cmd), onclick: () => active && toolbarCommand(active, cmd) }));
   }
