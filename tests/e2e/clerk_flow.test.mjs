@@ -132,6 +132,7 @@ const names = async () => (await page.locator(`${screen(OWNERS)} tbody tr td:nth
 
 test('owners: a find keeps the whole short list; header sort; arrow keys and Enter', async () => {
   await newOwner('Y10', '赵六', '9');
+  await page.waitForSelector('#statusline:text-is("已保存")');
   await newOwner('Y02', '钱七', '100');
   // A list sheet serves no record navigation; the toolbar does not offer it.
   assert.equal(await tool('RecordTop').count(), 0);
@@ -175,6 +176,42 @@ test('a refused request shows a Chinese sentence, never the developer text', asy
   await page.evaluate(() => screenGesture(active, { gesture: 'cell_click', control: 'NoSuchGrid', row: 1, col: 1 }));
   const text = await statusText();
   assert.equal(text, '操作未能完成，请刷新页面后重试；如仍不成功，请联系系统管理员。');
+});
+
+test('buildings: FileNew puts the cursor in the first field, Enter moves on, Ctrl+S saves, Esc asks then cancels', async () => {
+  await page.click(`#menu button[data-prog="${BUILDINGS}"]`);
+  const b = `${screen(BUILDINGS)}:not([hidden])`;
+  await page.waitForSelector(`${b} .tree .node[data-key="ROOT"]`);
+  await idle();
+  assert.equal(await tool('FileSave').getAttribute('title'), '保存 (Ctrl+S)');
+  assert.equal(await tool('FileCancel').getAttribute('title'), '取消 (Esc)');
+  assert.equal(await page.locator(`#menu button[data-prog="${BUILDINGS}"]`).getAttribute('title'), '打开楼宇信息');
+  await tool('FileNew').click();
+  await page.waitForSelector(`${b} [data-control="kvTxt(0)"] input:focus`);
+  await page.keyboard.type('B20');
+  await page.keyboard.press('Enter');
+  await page.waitForSelector(`${b} [data-control="kvTxt(1)"] input:focus`);
+  await page.keyboard.type('二十号楼');
+  await page.keyboard.press('Control+s');
+  await page.waitForSelector(`${b} .tree .node .label:text("B20 二十号楼")`);
+  await page.waitForSelector('#statusline:text-is("已保存")');
+  await idle();
+  await bothWidths('24-saved-by-keyboard');
+  await page.click(`${b} .tree .node .label:text("B20 二十号楼")`);
+  await settled();
+  await page.keyboard.press('F2');
+  const name = page.locator(`${b} [data-control="kvTxt(1)"] input:not([disabled])`);
+  await name.waitFor();
+  await name.fill('改过的名字');
+  await page.keyboard.press('Escape');
+  await box().waitFor();
+  await box().locator('button[data-answer="7"]').click();
+  await box().waitFor({ state: 'detached' });
+  assert.equal(await name.inputValue(), '改过的名字');
+  await page.keyboard.press('Escape');
+  await box().locator('button[data-answer="6"]').click();
+  await idle();
+  assert.equal(await page.locator(`${b} [data-control="kvTxt(1)"] input`).inputValue(), '二十号楼');
 });
 
 test('buildings: a dirty screen is marked; closing it or reloading asks first', async () => {

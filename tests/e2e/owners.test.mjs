@@ -150,13 +150,14 @@ test('owners: the grid exports as CSV with its header row', async () => {
     page.waitForEvent('download'),
     layer.locator('button:text("确定")').click(),
   ]);
-  assert.match(download.suggestedFilename(), /^PDMYz-Vs-.*\.csv$/);
+  // Named after the screen and the day.
+  assert.match(download.suggestedFilename(), /^业主信息-\d{4}-\d\d-\d\d\.csv$/);
   const bytes = await readFile(await download.path());
   assert.deepEqual([...bytes.subarray(0, 3)], [0xef, 0xbb, 0xbf], 'UTF-8 byte order mark');
   const lines = bytes.subarray(3).toString('utf8').split('\r\n');
   assert.equal(lines[0], '行号,编号,姓名,性别,电话,身份证号,籍贯,工作单位,备注');
   assert.equal(lines[1], '1,Y01,张三丰,女,13800000000,,,,');
-  await page.waitForSelector('#statusline:text-matches("已导出 PDMYz-Vs-")');
+  await page.waitForSelector('#statusline:text-matches("已导出 业主信息-")');
 });
 
 // The list sheet does not print itself: the host prints its grid, shown in a frame whose

@@ -13,6 +13,7 @@
 #include <mutex>
 #include <optional>
 #include <set>
+#include <string_view>
 #include <thread>
 
 #include "kvhost/db/database.h"
@@ -564,7 +565,7 @@ class WebApp::Impl {
     }
     json answer = s.driver->Handle(forward);
     if (op == "state" && !for_dialog) AddToolbarFacts(s, answer);
-    PublishFiles(s, op, answer);
+    PublishFiles(s, op, answer, ExportName(req));
     const bool ok = answer.value("ok", false);
     if (answer.contains("pending")) {
       if (op != "answer") {
@@ -592,10 +593,29 @@ class WebApp::Impl {
 
   // Puts the files an answer names (a print's "documents", an export's file) among the
   // session's own and names them by URL; the browser never sees a server path.
-  static void PublishFiles(WebSession& s, const std::string& op, json& answer) {
-    auto publish = [&s](const std::string& path) -> json {
+  // The name an export is downloaded under: the screen's title the request gives and today's
+  // date ("业主信息-2026-11-23"), without characters a file name cannot hold; "" without a title.
+  static std::string ExportName(const json& req) {
+    std::string title;
+    if (!StringField(req, "title", title)) return "";
+    std::string clean;
+    for (char c : title) {
+      if (std::string_view("/\\:*?\"<>|").find(c) != std::string_view::npos ||
+          static_cast<unsigned char>(c) < 0x20)
+        continue;
+      clean += c;
+    }
+    clean = mrvk::Trim(clean);
+    return clean.empty() ? "" : clean + "-" + Today();
+  }
+
+  static void PublishFiles(WebSession& s, const std::string& op, json& answer,
+                           const std::string& export_name) {
+    auto publish = [&s](const std::string& path, const std::string& shown = "") -> json {
       std::string id = RandomHex(kTokenBytes / 2);
-      const std::string name = std::filesystem::path(path).filename().string();
+      const std::string name = shown.empty()
+                                   ? std::filesystem::path(path).filename().string()
+                                   : shown + std::filesystem::path(path).extension().string();
       s.files[id] = {path, name};
       s.file_order.push_back(id);
       while (s.file_order.size() > kMaxSessionFiles) {
@@ -615,7 +635,7 @@ class WebApp::Impl {
     if (op == "export" && answer.value("ok", false) && answer["result"].is_object() &&
         answer["result"].contains("path") && answer["result"]["path"].is_string()) {
       json& result = answer["result"];
-      const json where = publish(result["path"].get<std::string>());
+      const json where = publish(result["path"].get<std::string>(), export_name);
       result.erase("path");
       result.update(where);
     }

@@ -398,7 +398,10 @@ function pickerLayer(p, answer) {
 // of another kind (a picker from a dialog's field), hands the answer on: the operation
 // answers that and shows the dialog again when it is back.
 async function dialogGesture(g, render, resolve, closeLayer, kind) {
+  const save = clickedSave && g.gesture === 'click';
+  clickedSave = false;
   const a = await protocol(Object.assign({ op: 'gesture', dialog: true }, g));
+  if (save && a.ok && !a.pending) dialogSaved = true;
   if (a.pending && a.pending.kind === kind) {
     await showEvents(Object.assign({}, a, { pending: undefined, error: undefined }), null);
     render(a.pending, a, a.ok ? movedFocus((a.pending.dialog || {}).controls, g) : null);
@@ -690,8 +693,16 @@ function drawControl(c, ctx) {
     input.addEventListener('input', () => {
       if (!input.value) input.removeAttribute('aria-invalid');
     });
+    // Enter takes the text and moves to the next field of the form.
     input.addEventListener('keydown', (e) => {
-      if (e.key === 'Enter' && input.tagName !== 'TEXTAREA') { e.preventDefault(); commit(); }
+      if (e.key !== 'Enter' || input.tagName === 'TEXTAREA' || e.altKey || e.ctrlKey) return;
+      e.preventDefault();
+      const root = input.closest('.layer, .screen');
+      const fields = root ? [...root.querySelectorAll('.field input:not([disabled]):not([readonly]), ' +
+        '.field select:not([disabled]), .field textarea:not([disabled]):not([readonly])')] : [];
+      const next = fields[fields.indexOf(input) + 1];
+      commit();
+      if (next) { next.focus(); if (next.select) next.select(); }
     });
   };
   switch (c.type) {
@@ -764,8 +775,12 @@ function drawControl(c, ctx) {
     case 'CommandButton':
     case 'Button': {
       const { nodes, key: access } = captionNodes(c.caption);
+      const isSave = caption(c.caption).startsWith('保存');
       const button = el('button', { type: 'button', class: 'ctl-button', disabled,
-        onclick: () => afterCommits().then(() => ctx.gesture(Object.assign({ gesture: 'click' }, ref))) },
+        onclick: () => afterCommits().then(() => {
+          clickedSave = isSave;
+          return ctx.gesture(Object.assign({ gesture: 'click' }, ref));
+        }) },
         nodes.length ? nodes : c.name);
       if (access) { button.dataset.accessKey = access; button.title = 'Alt+' + access; }
       return wrap(button);
@@ -1023,7 +1038,7 @@ function editCell(td, r, ci, ref, ctx) {
   };
   input.addEventListener('keydown', (e) => {
     if (e.key === 'Enter') commit(true);
-    if (e.key === 'Escape') commit(false);
+    if (e.key === 'Escape') { e.stopPropagation(); commit(false); }
   });
   input.addEventListener('blur', () => commit(true));
 }
@@ -1190,6 +1205,10 @@ async function screenGesture(tab, g, noRefresh) {
 
 let toolbarBusy = false;
 
+// The keys of the toolbar's commands (named in their tooltips; taken by the page's keydown).
+const SHORTCUTS = { FileNew: 'Alt+N', FileEdit: 'F2', FileSave: 'Ctrl+S', FileCancel: 'Esc',
+                    Find: 'Ctrl+F', Refresh: 'F5', PrintPreview: 'Ctrl+P' };
+
 const TOOLBAR = [
   ['新增', 'FileNew'], ['修改', 'FileEdit'], ['删除', 'FileDelete'], ['保存', 'FileSave'],
   ['取消', 'FileCancel'], null,
@@ -1255,13 +1274,19 @@ function drawToolbar() {
     const [label, cmd] = item;
     if (served && !served.has(cmd)) continue;
     bar.append(el('button', { type: 'button', text: label, 'data-cmd': cmd,
+      title: label + (SHORTCUTS[cmd] ? ' (' + SHORTCUTS[cmd] + ')' : ''),
       disabled: !on.has(cmd), onclick: () => active && toolbarCommand(active, cmd) }));
   }
 }
 
+// A click on an entry dialog's save button that ended the dialog: the save went through.
+let dialogSaved = false;
+let clickedSave = false;
+
 async function toolbarCommand(tab, cmd) {
   if (toolbarBusy) return;
   leaving = null;
+  dialogSaved = false;
   toolbarBusy = true;
   drawToolbar();
   try {
@@ -1282,6 +1307,7 @@ async function toolbarCommand(tab, cmd) {
       // A list sheet edits in its entry dialog, which is closed by now.
       if ((cmd === 'FileNew' || cmd === 'FileEdit') && !a.dialogShown) tab.editing = true;
       if (cmd === 'FileSave' || cmd === 'FileCancel' || cmd === 'FileDelete') tab.editing = false;
+      if (cmd === 'FileSave' || (a.dialogShown && dialogSaved)) status('已保存');
     } else if (!a.ok) {
       await alertLayer(failure(a, '操作失败'), tab.name);
     }
@@ -1293,11 +1319,56 @@ async function toolbarCommand(tab, cmd) {
       if (!(await printListGrid(tab, cmd === 'DoPrint'))) status('没有可打印的页面');
     }
     await refreshState(tab);
+    if ((cmd === 'FileNew' || cmd === 'FileEdit') && tab.editing && tab === active) {
+      // The cursor goes to the first field that takes input.
+      const first = tab.node.querySelector('.field input:not([disabled]):not([readonly]), ' +
+        '.field select:not([disabled]), .field textarea:not([disabled]):not([readonly])');
+      if (first) first.focus();
+    }
   } finally {
     toolbarBusy = false;
     drawToolbar();
   }
 }
+
+// The toolbar's keys on the page (no layer open): a command runs when the screen allows it;
+// Esc cancels an edit, asking first when something was changed. In an entry dialog Ctrl+S
+// is its save button.
+document.addEventListener('keydown', (e) => {
+  if (!$('app') || $('app').hidden) return;
+  const ctrl = (e.ctrlKey || e.metaKey) && !e.altKey && !e.shiftKey;
+  const layer = topLayer();
+  if (layer) {
+    if (ctrl && e.key.toLowerCase() === 's') {
+      e.preventDefault();
+      const save = [...layer.querySelectorAll('.buttons button[data-access-key="S"]')].find((b) => !b.disabled);
+      if (!save) return;
+      if (document.activeElement && layer.contains(document.activeElement)) document.activeElement.blur();
+      save.click();
+    }
+    return;
+  }
+  let cmd = null;
+  const key = e.key.toLowerCase();
+  if (ctrl && key === 's') cmd = 'FileSave';
+  else if (ctrl && key === 'f') cmd = 'Find';
+  else if (ctrl && key === 'p') cmd = 'PrintPreview';
+  else if (e.altKey && !e.ctrlKey && key === 'n') cmd = 'FileNew';
+  else if (e.key === 'F2' && !ctrl) cmd = 'FileEdit';
+  else if (e.key === 'F5' && !ctrl) cmd = 'Refresh';
+  else if (e.key === 'Escape') cmd = 'FileCancel';
+  if (!cmd || !active) return;
+  e.preventDefault();
+  if (toolbarBusy || !enabledCommands(active).has(cmd)) return;
+  const tab = active;
+  (async () => {
+    // The field being typed in gives up its text first.
+    if (document.activeElement && tab.node.contains(document.activeElement)) document.activeElement.blur();
+    await afterCommits();
+    if (cmd === 'FileCancel' && tabDirty(tab) && !(await confirmDiscard(tab.name))) return;
+    await toolbarCommand(tab, cmd);
+  })();
+});
 
 // ---------------------------------------------------------------- printing and export
 
@@ -1352,7 +1423,9 @@ async function exportGrid(tab) {
   if (!grids.length) { await alertLayer('当前界面没有可导出的表格', tab.name); return; }
   const choice = await exportLayer(grids);
   if (!choice) return;
-  const req = { op: 'export', screen: tab.screen, control: choice.grid.name, format: choice.format };
+  // The file is named after the screen and the day.
+  const req = { op: 'export', screen: tab.screen, control: choice.grid.name, format: choice.format,
+                title: tab.name };
   if (choice.grid.index !== undefined) req.index = choice.grid.index;
   const a = await settle(await protocol(req), tab);
   if (!a.ok || !a.result || !a.result.url) {
