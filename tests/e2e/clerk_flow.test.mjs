@@ -178,7 +178,7 @@ test('a refused request shows a Chinese sentence, never the developer text', asy
   assert.equal(text, '操作未能完成，请刷新页面后重试；如仍不成功，请联系系统管理员。');
 });
 
-test('buildings: FileNew puts the cursor in the first field, Enter moves on, Ctrl+S saves, Esc asks then cancels', async () => {
+test('buildings: FileNew puts the cursor in the first field, Enter moves on, number fields, Ctrl+S saves, Esc asks then cancels', async () => {
   await page.click(`#menu button[data-prog="${BUILDINGS}"]`);
   const b = `${screen(BUILDINGS)}:not([hidden])`;
   await page.waitForSelector(`${b} .tree .node[data-key="ROOT"]`);
@@ -192,6 +192,15 @@ test('buildings: FileNew puts the cursor in the first field, Enter moves on, Ctr
   await page.keyboard.press('Enter');
   await page.waitForSelector(`${b} [data-control="kvTxt(1)"] input:focus`);
   await page.keyboard.type('二十号楼');
+  // A number field keeps digits, one point and a leading minus; separators typed or pasted go.
+  const area = page.locator(`${b} [data-control="kvTxt(4)"] input`);
+  await area.click();
+  await page.keyboard.type('1,200.5abc');
+  assert.equal(await area.inputValue(), '1200.5');
+  await area.fill('-3,000.2.5');
+  assert.equal(await area.inputValue(), '-3000.25');
+  assert.equal(await area.evaluate((i) => getComputedStyle(i).textAlign), 'right');
+  await area.fill('1,200.5');
   await page.keyboard.press('Control+s');
   await page.waitForSelector(`${b} .tree .node .label:text("B20 二十号楼")`);
   await page.waitForSelector('#statusline:text-is("已保存")');

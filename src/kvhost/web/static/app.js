@@ -652,6 +652,29 @@ function controlRef(c) {
   return g;
 }
 
+// What a number field keeps of a typed or pasted text: digits, one decimal point and a
+// leading minus; thousands separators and anything else go.
+function numberText(text) {
+  let t = String(text ?? '').trim();
+  const negative = /^[-－]/.test(t);
+  t = t.replace(/[０-９．]/g, (ch) => String.fromCharCode(ch.charCodeAt(0) - 0xfee0)).replace(/[^0-9.]/g, '');
+  const dot = t.indexOf('.');
+  if (dot >= 0) t = t.slice(0, dot + 1) + t.slice(dot + 1).replace(/\./g, '');
+  return (negative ? '-' : '') + t;
+}
+
+function keepNumber(input) {
+  input.inputMode = 'decimal';
+  input.addEventListener('input', () => {
+    const clean = numberText(input.value);
+    if (clean === input.value) return;
+    const fromEnd = input.value.length - (input.selectionEnd ?? input.value.length);
+    input.value = clean;
+    const at = Math.max(0, clean.length - fromEnd);
+    input.setSelectionRange(at, at);
+  });
+}
+
 function drawControl(c, ctx) {
   const ref = controlRef(c);
   const key = c.name + (c.index !== undefined ? '(' + c.index + ')' : '');
@@ -723,7 +746,7 @@ function drawControl(c, ctx) {
                               placeholder: c.kind === 'date' ? 'yyyy-mm-dd' : null });
         input.value = c.text || '';
         if (c.maxlength) input.maxLength = c.maxlength;
-        if (c.kind === 'number') input.classList.add('num');
+        if (c.kind === 'number') { input.classList.add('num'); keepNumber(input); }
       }
       input.name = key;
       if (input.tagName === 'SELECT') {
