@@ -168,6 +168,23 @@ test('owners: a find keeps the whole short list; header sort; arrow keys and Ent
     document.querySelector('[data-layer="dialog"] [data-control="kvTxt(1)"] input')?.value === '钱七');
   await page.keyboard.press('Escape');
   await dialog().waitFor({ state: 'detached' });
+  await idle();
+  // Search as you type: the rows without the text hide; Enter opens the first one shown.
+  const search = page.locator(`${screen(OWNERS)} .list-search`);
+  await search.click();
+  await page.keyboard.type('y1');
+  assert.deepEqual(await page.locator(`${screen(OWNERS)} tbody tr[data-row]:not([hidden]) td:nth-child(3)`)
+    .allTextContents(), ['赵六']);
+  await bothWidths('25-owners-search');
+  await page.keyboard.press('Enter');
+  await dialog().waitFor();
+  await page.waitForFunction(() =>
+    document.querySelector('[data-layer="dialog"] [data-control="kvTxt(1)"] input')?.value === '赵六');
+  await page.keyboard.press('Escape');
+  await dialog().waitFor({ state: 'detached' });
+  await idle();
+  await search.fill('');
+  assert.equal(await page.locator(`${screen(OWNERS)} tbody tr[data-row]:not([hidden])`).count(), 3);
 });
 
 test('a refused request shows a Chinese sentence, never the developer text', async () => {

@@ -343,6 +343,7 @@ function inputBox(p) {
 function pickerLayer(p, answer) {
   return new Promise((resolve) => {
     let layerClose = null;
+    let query = '';
     const render = (pending, lastAnswer) => {
       if (layerClose) layerClose();
       const d = pending.dialog || {};
@@ -375,11 +376,40 @@ function pickerLayer(p, answer) {
       });
       const note = el('div', { class: 'hint', text:
         `共 ${d.count ?? (d.rows || []).length} 行` + (d.multiple ? '（按住 Ctrl 可多选）' : '') });
+      // Search as you type over the picker's rows; Enter takes the chosen row shown, else the
+      // first shown; arrows choose.
+      const search = el('input', { type: 'search', class: 'list-search', 'aria-label': '筛选',
+        placeholder: '输入文字筛选（Enter 选定，↑↓ 选择）' });
+      search.value = query;
+      const shownRows = () => [...body.querySelectorAll('tr[data-index]:not([hidden])')];
+      const choose = (tr) => {
+        chosen.clear();
+        body.querySelectorAll('tr.chosen').forEach((x) => x.classList.remove('chosen'));
+        chosen.add(Number(tr.dataset.index));
+        tr.classList.add('chosen');
+        tr.scrollIntoView({ block: 'nearest' });
+      };
+      search.addEventListener('input', () => {
+        query = search.value;
+        filterRows(body.parentElement, query);
+      });
+      search.addEventListener('keydown', (e) => {
+        const rows = shownRows();
+        if (!rows.length) return;
+        const at = rows.findIndex((tr) => tr.classList.contains('chosen'));
+        if (e.key === 'ArrowDown' || e.key === 'ArrowUp') {
+          e.preventDefault();
+          choose(rows[Math.min(rows.length - 1, Math.max(0, at + (e.key === 'ArrowDown' ? 1 : -1)))]);
+        } else if (e.key === 'Enter') {
+          e.preventDefault();
+          finish([Number(rows[at >= 0 ? at : 0].dataset.index)]);
+        }
+      });
       const err = lastAnswer && !lastAnswer.ok && lastAnswer.error
         ? el('div', { class: 'error', text: failure(lastAnswer) }) : null;
       ({ close: layerClose } = openLayer({
         title: d.caption || pending.title || '选择', name: 'picker',
-        body: [controls, err, el('div', { class: 'grid-wrap' },
+        body: [controls, err, search, el('div', { class: 'grid-wrap' },
           el('table', { class: 'grid' }, el('thead', null, head), body)), note],
         buttons: [
           el('button', { type: 'button', text: '确定',
@@ -388,6 +418,8 @@ function pickerLayer(p, answer) {
         ],
         onClose: () => resolve(null),
       }));
+      filterRows(body.parentElement, query);
+      search.focus();
     };
     render(p, answer);
   });
@@ -995,26 +1027,32 @@ function drawGrid(c, ref, ctx) {
   const empty = !data.length && c.type === 'VsFlexGrid' && (c.rows || 0) <= fixedRows
     ? el('div', { class: 'grid-empty', text: '没有记录' }) : null;
   const wrap = el('div', { class: 'grid-wrap', tabindex: '0' }, table, empty);
-  // Up and down move the current row among the rows shown, Enter opens it.
-  wrap.addEventListener('keydown', (e) => {
-    if (e.target !== wrap) return;
-    const rows = [...tbody.querySelectorAll('tr[data-row]')];
-    if (!rows.length) return;
+  // Up and down move the current row among the rows shown (not filtered out), Enter opens it
+  // (or, from the search box, the first row shown when the current one is filtered out).
+  // True when the key was taken.
+  wrap.gridKey = (key, orFirst) => {
+    const rows = [...tbody.querySelectorAll('tr[data-row]:not([hidden])')];
+    if (!rows.length) return false;
     const at = rows.findIndex((tr) => tr.classList.contains('current'));
     const col = c.col >= fixedCols ? c.col : (shown.find((ci) => ci >= fixedCols) ?? 0);
-    if (e.key === 'ArrowDown' || e.key === 'ArrowUp') {
-      e.preventDefault();
-      const next = rows[Math.min(rows.length - 1, Math.max(0, at + (e.key === 'ArrowDown' ? 1 : -1)))];
-      if (at >= 0 && next === rows[at]) return;
+    if (key === 'ArrowDown' || key === 'ArrowUp') {
+      const next = rows[Math.min(rows.length - 1, Math.max(0, at + (key === 'ArrowDown' ? 1 : -1)))];
+      if (at >= 0 && next === rows[at]) return true;
       rows.forEach((tr) => tr.classList.toggle('current', tr === next));
       next.scrollIntoView({ block: 'nearest' });
       ctx.gesture(Object.assign({ gesture: 'cell_click', row: Number(next.dataset.row), col }, ref));
-    } else if (e.key === 'Enter' && at >= 0) {
-      e.preventDefault();
-      const row = Number(rows[at].dataset.row);
+      return true;
+    }
+    if (key === 'Enter' && (at >= 0 || orFirst)) {
+      const row = Number(rows[at >= 0 ? at : 0].dataset.row);
       if (ctx.openRow) ctx.openRow(row, col, ref);
       else ctx.gesture(Object.assign({ gesture: 'cell_dblclick', row, col }, ref));
+      return true;
     }
+    return false;
+  };
+  wrap.addEventListener('keydown', (e) => {
+    if (e.target === wrap && wrap.gridKey(e.key, false)) e.preventDefault();
   });
   const dataRows = (c.rows || 0) - fixedRows;
   const box = el('div', { class: 'grid-box' }, wrap);
@@ -1181,12 +1219,40 @@ function drawScreen(tab) {
     gesture: (g, noRefresh) => screenGesture(tab, g, noRefresh),
     delegatesDblclick: true,  // screenDblclick
   });
+  if (listSheet) tab.node.prepend(searchBar(tab));
   for (const [key, [top, left]] of gridScroll) {
     const w = tab.node.querySelector(`[data-control="${CSS.escape(key)}"] > .grid-wrap`);
     if (w) { w.scrollTop = top; w.scrollLeft = left; }
   }
   $('screens').scrollTop = scrollTop;
   restoreFocus(tab.node, focus);
+}
+
+// Search as you type above a list: the rows shown that do not hold the text are hidden;
+// Enter opens the current row (the first one shown when that is hidden), arrows choose.
+function filterRows(root, text) {
+  const q = text.trim().toLowerCase();
+  for (const tr of root.querySelectorAll('tbody tr[data-row]')) {
+    tr.hidden = !!q && !tr.textContent.toLowerCase().includes(q);
+  }
+}
+
+function searchBar(tab) {
+  const input = el('input', { type: 'search', class: 'list-search', 'aria-label': '筛选',
+    placeholder: '输入文字筛选（Enter 打开，↑↓ 选择）' });
+  input.value = tab.search || '';
+  const grid = () => tab.node.querySelector('.grid-wrap');
+  input.addEventListener('input', () => {
+    tab.search = input.value;
+    filterRows(tab.node, input.value);
+  });
+  input.addEventListener('keydown', (e) => {
+    const w = grid();
+    if (!w || !['ArrowDown', 'ArrowUp', 'Enter'].includes(e.key)) return;
+    if (w.gridKey(e.key, true)) e.preventDefault();
+  });
+  queueMicrotask(() => filterRows(tab.node, input.value));
+  return el('div', { class: 'search-bar', 'data-control': '#search' }, input);
 }
 
 // A double click on a cell of a screen's grid (but an editable one, which edits in place).
