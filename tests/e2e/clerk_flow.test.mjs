@@ -295,3 +295,30 @@ test('buildings: a dirty screen is marked; closing it or reloading asks first', 
   await tab.waitFor({ state: 'detached' });
   assert.equal(await unload(), false);
 });
+
+test('a phone: the menu behind a button, the top bar on one line, the toolbar one row, fields in one column', async () => {
+  await page.setViewportSize({ width: 390, height: 800 });
+  try {
+    assert.equal(await page.locator('#menu').isVisible(), false);
+    await page.click('#menu-toggle');
+    await page.locator(`#menu button[data-prog="${BUILDINGS}"]`).click();
+    const b = `${screen(BUILDINGS)}:not([hidden])`;
+    await page.waitForSelector(`${b} .tree .node[data-key="ROOT"]`);
+    assert.equal(await page.locator('#menu').isVisible(), false);
+    await idle();
+    assert.ok((await page.locator('#topbar').evaluate((t) => t.scrollHeight)) <= 34, 'top bar on one line');
+    const tops = await page.locator('#toolbar button').evaluateAll((bs) =>
+      [...new Set(bs.map((x) => Math.round(x.getBoundingClientRect().top)))]);
+    assert.equal(tops.length, 1, 'toolbar rows: ' + tops.join(','));
+    assert.equal(await page.locator('#toolbar').evaluate((t) => getComputedStyle(t).overflowX), 'auto');
+    const left = (i) => page.locator(`${b} [data-control="kvTxt(${i})"]`).evaluate((f) => f.getBoundingClientRect().left);
+    assert.equal(await left(0), await left(1));
+    await shot(page, '26-phone-buildings');
+    await page.click('#menu-toggle');
+    assert.equal(await page.locator('#menu').isVisible(), true);
+    await shot(page, '27-phone-menu');
+    await page.click('#menu-toggle');
+  } finally {
+    await page.setViewportSize({ width: 1280, height: 800 });
+  }
+});

@@ -1697,6 +1697,15 @@ $('password-form').addEventListener('submit', async (e) => {
   }
 });
 
+// On a narrow screen the menu stands behind a button and goes away once an entry is chosen.
+function showMenu(open) {
+  document.body.classList.toggle('menu-open', open);
+  $('menu-toggle').setAttribute('aria-expanded', String(open));
+}
+$('menu-toggle').addEventListener('click', () =>
+  showMenu(!document.body.classList.contains('menu-open')));
+$('menu').addEventListener('click', (e) => { if (e.target.closest('button.entry')) showMenu(false); });
+
 $('password-back').addEventListener('click', () => showPage('app'));
 $('change-password').addEventListener('click', () => {
   $('password-note').hidden = true;
