@@ -209,6 +209,10 @@ test('buildings: FileNew puts the cursor in the first field, Enter moves on, num
   await page.keyboard.press('Enter');
   await page.waitForSelector(`${b} [data-control="kvTxt(1)"] input:focus`);
   await page.keyboard.type('二十号楼');
+  // Tab leaves a field with a picker for the next field, not for its button.
+  await page.locator(`${b} [data-control="kvTxt(2)"] input`).focus();
+  await page.keyboard.press('Tab');
+  await page.waitForSelector(`${b} [data-control="kvTxt(3)"] input:focus`);
   // A number field keeps digits, one point and a leading minus; separators typed or pasted go.
   const area = page.locator(`${b} [data-control="kvTxt(4)"] input`);
   await area.click();

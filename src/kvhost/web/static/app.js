@@ -793,10 +793,20 @@ function drawControl(c, ctx) {
       const parts = [el('span', { class: 'caption', text: caption(c.caption) }), input];
       if (c.unit) parts.push(el('span', { class: 'unit', text: c.unit }));
       // The button shows where the field's state says so; a closed list is its own drop-down.
+      // Tab goes from the field to the next field (after the field's check), not to its
+      // button: the list opens by the mouse, F4 or Alt+↓.
       if (c.button && input.tagName !== 'SELECT') {
-        parts.push(el('button', { type: 'button', class: 'pick', text: '…', title: '选择',
-          disabled: disabled || !!c.locked,
-          onclick: () => ctx.gesture(Object.assign({ gesture: 'pick' }, ref)) }));
+        const pick = () => ctx.gesture(Object.assign({ gesture: 'pick' }, ref));
+        parts.push(el('button', { type: 'button', class: 'pick', text: '…', title: '选择 (F4)',
+          tabindex: '-1', disabled: disabled || !!c.locked, onclick: pick }));
+        if (!disabled && !c.locked) {
+          input.addEventListener('keydown', (e) => {
+            if (e.key === 'F4' || (e.altKey && e.key === 'ArrowDown')) {
+              e.preventDefault();
+              afterCommits().then(pick);
+            }
+          });
+        }
       }
       return wrap(el('label', { class: 'field' }, parts));
     }
