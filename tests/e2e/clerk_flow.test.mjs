@@ -213,9 +213,12 @@ test('buildings: FileNew puts the cursor in the first field, Enter moves on, num
   await page.locator(`${b} [data-control="kvTxt(2)"] input`).focus();
   await page.keyboard.press('Tab');
   await page.waitForSelector(`${b} [data-control="kvTxt(3)"] input:focus`);
+  await settled();
   // A number field keeps digits, one point and a leading minus; separators typed or pasted go.
   const area = page.locator(`${b} [data-control="kvTxt(4)"] input`);
   await area.click();
+  await settled();
+  await page.waitForSelector(`${b} [data-control="kvTxt(4)"] input:focus`);
   await page.keyboard.type('1,200.5abc');
   assert.equal(await area.inputValue(), '1200.5');
   await area.fill('-3,000.2.5');
@@ -325,4 +328,48 @@ test('a phone: the menu behind a button, the top bar on one line, the toolbar on
   } finally {
     await page.setViewportSize({ width: 1280, height: 800 });
   }
+});
+
+test('a picker: search as you type, arrows choose, Enter takes the row', async () => {
+  const ESTATES = 870002;
+  await page.click(`#menu button[data-prog="${ESTATES}"]`);
+  const e = `${screen(ESTATES)}:not([hidden])`;
+  await page.waitForSelector(`${e} .tree .node[data-key="ROOT"]`);
+  for (const [code, name] of [['W01', '阳光花园'], ['W02', '碧水苑'], ['W03', '碧桂园']]) {
+    await idle();
+    await tool('FileNew').click();
+    const first = page.locator(`${e} [data-control="kvTxt(0)"] input:focus`);
+    await first.waitFor();
+    await page.keyboard.type(code);
+    await page.keyboard.press('Enter');
+    await page.keyboard.type(name);
+    await page.keyboard.press('Control+s');
+    await page.waitForSelector(`${e} .tree .node .label:text("${code} ${name}")`);
+  }
+  await idle();
+  await page.click(`.tab[data-prog="${BUILDINGS}"]`);
+  const b = `${screen(BUILDINGS)}:not([hidden])`;
+  await idle();
+  await tool('FileNew').click();
+  await page.locator(`${b} [data-control="kvTxt(0)"] input:focus`).waitFor();
+  await page.click(`${b} [data-control="kvTxt(2)"] button.pick`);
+  const picker = page.locator('[data-layer="picker"]');
+  await picker.waitFor();
+  await picker.locator('tbody tr:has-text("阳光花园")').waitFor();
+  assert.equal(await focusedLayer(), 'picker');
+  await page.keyboard.type('碧');
+  const shownRows = picker.locator('tbody tr:not([hidden])');
+  assert.equal(await shownRows.count(), 2);
+  await page.keyboard.press('ArrowDown');
+  await page.keyboard.press('ArrowDown');
+  assert.match(await picker.locator('tbody tr.chosen').textContent(), /碧桂园/);
+  await bothWidths('28-picker-search');
+  await page.keyboard.press('Enter');
+  await picker.waitFor({ state: 'detached' });
+  await page.waitForFunction((sel) => document.querySelector(sel)?.value === '碧桂园',
+    `${b} [data-control="kvTxt(2)"] input`);
+  await idle().catch(() => {});
+  await page.keyboard.press('Escape');
+  await box().locator('button[data-answer="6"]').click();
+  await idle();
 });

@@ -1242,7 +1242,7 @@ function drawScreen(tab) {
 // Enter opens the current row (the first one shown when that is hidden), arrows choose.
 function filterRows(root, text) {
   const q = text.trim().toLowerCase();
-  for (const tr of root.querySelectorAll('tbody tr[data-row]')) {
+  for (const tr of root.querySelectorAll('tbody tr[data-row], tbody tr[data-index]')) {
     tr.hidden = !!q && !tr.textContent.toLowerCase().includes(q);
   }
 }
