@@ -546,13 +546,17 @@ class ProtocolDriver::Impl : public mrvk::IUiPort {
     if (auto* form = s->form()) {
       bool dirty = false;
       int32_t id = 0;
+      std::vector<std::string> served;
       Status st = host_->guarded(s->class_name + ".state", [&] {
         dirty = form->IsDirty();
         id = form->GetID();
+        served = form->ServedCommands();
       });
       if (!st.ok()) return Failed(st.message());
       state["IsDirty"] = dirty;
       state["GetID"] = id;
+      // The toolbar offers only these when the sheet names them.
+      if (!served.empty()) state["commands"] = served;
     }
     // What the find and filter dialog offers: the declared fields by caption and type, each
     // with its operators. Their columns stay with the screen.

@@ -73,7 +73,7 @@ test('owners: a new owner through the entry dialog', async () => {
   assert.match(row, /Y01\s*张三\s*女\s*13800000000/);
 });
 
-test('owners: a missing name and a taken code are refused with an alert; Esc closes the dialog', async () => {
+test('owners: a missing name and a taken code are refused with an alert; Esc closes the dialog after asking', async () => {
   await idle();
   await tool('FileNew').click();
   await dialog().waitFor();
@@ -96,9 +96,11 @@ test('owners: a missing name and a taken code are refused with an alert; Esc clo
   await shot(page, '11-owner-duplicate');
   await alert.locator('button:text("确定")').click();
   await alert.waitFor({ state: 'detached' });
-  // The dialog stays with what was typed; Esc is its close box and saves nothing.
+  // The dialog stays with what was typed; Esc is its close box (after asking, as fields
+  // were changed) and saves nothing.
   assert.equal(await input(1).inputValue(), '李四');
   await input(1).press('Escape');
+  await page.locator('[data-layer="msgbox"] button[data-answer="6"]').click();
   await dialog().waitFor({ state: 'detached' });
   await idle();
   assert.equal(await dataRows().count(), 1);
@@ -132,13 +134,14 @@ test('owners: the grid exports as CSV with its header row', async () => {
     page.waitForEvent('download'),
     layer.locator('button:text("确定")').click(),
   ]);
-  assert.match(download.suggestedFilename(), /^PDMYz-Vs-.*\.csv$/);
+  // Named after the screen and the day.
+  assert.match(download.suggestedFilename(), /^业主信息-\d{4}-\d\d-\d\d\.csv$/);
   const bytes = await readFile(await download.path());
   assert.deepEqual([...bytes.subarray(0, 3)], [0xef, 0xbb, 0xbf], 'UTF-8 byte order mark');
   const lines = bytes.subarray(3).toString('utf8').split('\r\n');
   assert.equal(lines[0], '行号,编号,姓名,性别,电话,身份证号,籍贯,工作单位,备注');
   assert.equal(lines[1], '1,Y01,张三丰,女,13800000000,,,,');
-  await page.waitForSelector('#statusline:text-matches("已导出 PDMYz-Vs-")');
+  await page.waitForSelector('#statusline:text-matches("已导出 业主信息-")');
 });
 
 // The list sheet does not print itself: the host prints its grid, shown in a frame whose

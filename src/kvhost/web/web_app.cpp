@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cctype>
 #include <condition_variable>
+#include <cstdio>
 #include <ctime>
 #include <deque>
 #include <filesystem>
@@ -12,6 +13,7 @@
 #include <mutex>
 #include <optional>
 #include <set>
+#include <string_view>
 #include <thread>
 
 #include "kvhost/db/database.h"
@@ -32,6 +34,32 @@ constexpr size_t kTokenBytes = 32;
 
 WebResponse Refuse(int status, const std::string& error) {
   return {status, {{"ok", false}, {"error", error}}, ""};
+}
+
+// True when the text holds a Chinese character: the sheets' own messages and the server's
+// sign-in texts are written for the clerk; the rest is a developer's detail.
+bool ForAClerk(const std::string& text) {
+  for (size_t i = 0; i + 2 < text.size(); ++i) {
+    const auto c = static_cast<unsigned char>(text[i]);
+    if (c >= 0xE3 && c <= 0xE9) return true;  // UTF-8 lead bytes of U+3000..U+9FFF
+  }
+  return false;
+}
+
+// A refused answer whose error is a developer's detail gets a sentence for the clerk in
+// "message" (the client shows only that) and the detail goes to the server's log.
+void ForTheClerk(const WebRequest& request, WebResponse& r) {
+  if (!r.body.is_object() || r.body.value("ok", true)) return;
+  const std::string error = r.body.value("error", std::string());
+  if (error.empty() || ForAClerk(error)) return;
+  std::fprintf(stderr, "mrvk serve: %s %s refused (%d): %s\n", request.method.c_str(),
+               request.path.c_str(), r.status, error.c_str());
+  std::fflush(stderr);
+  const bool unbuilt = error.find("is not built yet") != std::string::npos;
+  r.body["message"] = unbuilt ? "该功能尚未提供，请选择其他功能或联系系统管理员。"
+                      : r.status >= 500
+                          ? "服务器未能完成操作，请稍后重试；如仍不成功，请联系系统管理员。"
+                          : "操作未能完成，请刷新页面后重试；如仍不成功，请联系系统管理员。";
 }
 
 std::string Today() {
@@ -537,7 +565,7 @@ class WebApp::Impl {
     }
     json answer = s.driver->Handle(forward);
     if (op == "state" && !for_dialog) AddToolbarFacts(s, answer);
-    PublishFiles(s, op, answer);
+    PublishFiles(s, op, answer, ExportName(req));
     const bool ok = answer.value("ok", false);
     if (answer.contains("pending")) {
       if (op != "answer") {
@@ -565,10 +593,29 @@ class WebApp::Impl {
 
   // Puts the files an answer names (a print's "documents", an export's file) among the
   // session's own and names them by URL; the browser never sees a server path.
-  static void PublishFiles(WebSession& s, const std::string& op, json& answer) {
-    auto publish = [&s](const std::string& path) -> json {
+  // The name an export is downloaded under: the screen's title the request gives and today's
+  // date ("业主信息-2026-11-23"), without characters a file name cannot hold; "" without a title.
+  static std::string ExportName(const json& req) {
+    std::string title;
+    if (!StringField(req, "title", title)) return "";
+    std::string clean;
+    for (char c : title) {
+      if (std::string_view("/\\:*?\"<>|").find(c) != std::string_view::npos ||
+          static_cast<unsigned char>(c) < 0x20)
+        continue;
+      clean += c;
+    }
+    clean = mrvk::Trim(clean);
+    return clean.empty() ? "" : clean + "-" + Today();
+  }
+
+  static void PublishFiles(WebSession& s, const std::string& op, json& answer,
+                           const std::string& export_name) {
+    auto publish = [&s](const std::string& path, const std::string& shown = "") -> json {
       std::string id = RandomHex(kTokenBytes / 2);
-      const std::string name = std::filesystem::path(path).filename().string();
+      const std::string name = shown.empty()
+                                   ? std::filesystem::path(path).filename().string()
+                                   : shown + std::filesystem::path(path).extension().string();
       s.files[id] = {path, name};
       s.file_order.push_back(id);
       while (s.file_order.size() > kMaxSessionFiles) {
@@ -588,7 +635,7 @@ class WebApp::Impl {
     if (op == "export" && answer.value("ok", false) && answer["result"].is_object() &&
         answer["result"].contains("path") && answer["result"]["path"].is_string()) {
       json& result = answer["result"];
-      const json where = publish(result["path"].get<std::string>());
+      const json where = publish(result["path"].get<std::string>(), export_name);
       result.erase("path");
       result.update(where);
     }
@@ -755,11 +802,14 @@ WebApp::~WebApp() = default;
 Status WebApp::Start(std::string& one_time_password) { return impl_->Start(one_time_password); }
 
 WebResponse WebApp::Handle(const WebRequest& request) {
+  WebResponse r;
   try {
-    return impl_->Handle(request);
+    r = impl_->Handle(request);
   } catch (const std::exception& e) {
-    return Refuse(500, std::string("internal error: ") + e.what());
+    r = Refuse(500, std::string("internal error: ") + e.what());
   }
+  ForTheClerk(request, r);
+  return r;
 }
 
 std::vector<MenuEntry> WebApp::Menu(std::string& error) { return impl_->Menu(error); }

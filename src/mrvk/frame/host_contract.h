@@ -332,6 +332,9 @@ class IFormUI {
   virtual std::string Attributes(int32_t key) = 0;
   // The fields Find and Filter may name; none by default (the screen finds on its own).
   virtual std::vector<SearchField> SearchFields() { return {}; }
+  // The toolbar commands the sheet serves, by operation name ("Export" for the host's export
+  // of its grid); empty by default: every command.
+  virtual std::vector<std::string> ServedCommands() { return {}; }
 };
 
 class IReportUI {

@@ -70,6 +70,11 @@ class ListMasterSheet : public ModuleObject, public IFormUI, public IDesignUI {
   bool CheckStatus(const std::string&) override { return false; }
   std::string ReturnPrintName() override { return ""; }
   std::string Attributes(int32_t) override { return ""; }
+  // The list is the screen: no record navigation; the host prints and exports its grid.
+  std::vector<std::string> ServedCommands() override {
+    return {"FileNew", "FileEdit", "FileDelete", "FileSave",     "FileCancel", "Find",
+            "Filter",  "Refresh",  "DoPrint",    "PrintPreview", "Export"};
+  }
 
   // The wheel turned to step n: the grid scrolls there.
   void mcMouseEvent_Wheel(int step);

@@ -99,6 +99,11 @@ class TreeMasterSheet : public ModuleObject, public IFormUI, public IDesignUI {
   bool CheckStatus(const std::string&) override { return false; }
   std::string ReturnPrintName() override { return ""; }
   std::string Attributes(int32_t) override { return ""; }
+  // A tree of records: no page to print and no list grid to export.
+  std::vector<std::string> ServedCommands() override {
+    return {"FileNew",        "FileEdit",   "FileDelete",   "FileSave", "FileCancel", "RecordTop",
+            "RecordPrevious", "RecordNext", "RecordBottom", "Find",     "Filter",     "Refresh"};
+  }
 
   // The screen.
   kvhost::TreeView TV{"TV"};

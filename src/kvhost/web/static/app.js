@@ -61,7 +61,7 @@ async function api(method, path, body) {
     signedOut((data && data.error) || '登录已过期，请重新登录');
   }
   if (!res.ok && !(res.status === 422 && data)) {
-    throw new ApiError(res.status, (data && data.error) || ('HTTP ' + res.status), data);
+    throw new ApiError(res.status, (data && (data.message || data.error)) || ('HTTP ' + res.status), data);
   }
   return data;
 }
@@ -91,7 +91,20 @@ async function afterCommits() {
 
 // ---------------------------------------------------------------- status line, alerts
 
-function status(text) { $('statusline').textContent = text || ''; }
+// A text the clerk may read: the sheets' and the server's sentences are Chinese; anything
+// else is a developer's detail (the server logs it) and shows as a sentence saying what to do.
+const GENERIC_FAILURE = '操作未能完成，请刷新页面后重试；如仍不成功，请联系系统管理员。';
+function clerkText(text) {
+  const t = String(text ?? '');
+  return !t || /[\u3000-\u9fff\uff00-\uffef]/.test(t) ? t : GENERIC_FAILURE;
+}
+
+// The clerk's sentence of a refused answer.
+function failure(a, fallback) {
+  return (a && a.message) || clerkText(a && a.error) || fallback || GENERIC_FAILURE;
+}
+
+function status(text) { $('statusline').textContent = clerkText(text); }
 
 function alertLayer(message, title) {
   return new Promise((resolve) => {
@@ -99,27 +112,78 @@ function alertLayer(message, title) {
     const { close } = openLayer({
       title: title || '提示', cls: 'alert',
       body: [el('div', { class: 'prompt' }, el('span', { class: 'icon', text: '⚠' }),
-                el('span', { class: 'text', text: message }))],
+                el('span', { class: 'text', text: clerkText(message) }))],
       buttons: [ok], onClose: () => resolve(),
     });
     ok.focus();
   });
 }
 
+// The topmost open layer, which holds the keyboard.
+function topLayer() {
+  const b = $('layers').lastElementChild;
+  return b ? b.querySelector('.layer') : null;
+}
+
+function focusables(root) {
+  return [...root.querySelectorAll('button, input, select, textarea, a[href], [tabindex]')]
+    .filter((e) => !e.disabled && e.tabIndex >= 0 && e.getClientRects().length > 0 &&
+      !(e.type === 'radio' && !e.checked && root.querySelector(`input[type=radio][name="${CSS.escape(e.name)}"]:checked`)));
+}
+
+// While a layer is open, Tab cycles through its own controls and nothing behind it takes a
+// key or the focus.
+document.addEventListener('keydown', (e) => {
+  const layer = topLayer();
+  if (!layer) return;
+  if (!layer.contains(e.target)) {
+    e.preventDefault();
+    e.stopImmediatePropagation();
+    const back = layer.lastFocus && layer.lastFocus.isConnected ? layer.lastFocus : focusables(layer)[0];
+    (back || layer).focus();
+    return;
+  }
+  if (e.key !== 'Tab') return;
+  const list = focusables(layer);
+  if (!list.length) { e.preventDefault(); return; }
+  const i = list.indexOf(document.activeElement);
+  if (e.shiftKey && i <= 0) { e.preventDefault(); list[list.length - 1].focus(); }
+  else if (!e.shiftKey && (i < 0 || i === list.length - 1)) { e.preventDefault(); list[0].focus(); }
+}, true);
+// The focus that goes behind the topmost layer comes back where it was in that layer.
+document.addEventListener('focusin', (e) => {
+  const layer = topLayer();
+  if (!layer) return;
+  if (layer.contains(e.target)) { layer.lastFocus = e.target; return; }
+  const back = layer.lastFocus && layer.lastFocus.isConnected ? layer.lastFocus : focusables(layer)[0];
+  (back || layer).focus();
+});
+
 // A modal layer over the page. Returns close().
-function openLayer({ title, cls, body, buttons, onClose, name }) {
-  const closeBox = el('button', { type: 'button', title: '关闭', text: '×', class: 'close-box' });
+// confirmClose, when given, is asked (async) before the close box or Esc closes the layer.
+function openLayer({ title, cls, body, buttons, onClose, name, confirmClose }) {
+  // The close box is for the mouse; Esc is its key.
+  const closeBox = el('button', { type: 'button', title: '关闭 (Esc)', text: '×', class: 'close-box',
+                                  tabindex: '-1' });
   const layer = el('div', { class: 'layer ' + (cls || ''), role: 'dialog', 'aria-modal': 'true',
-                            'data-layer': name || cls || 'layer' },
+                            tabindex: '-1', 'data-layer': name || cls || 'layer' },
     el('div', { class: 'title' }, el('span', { text: title || '' }), closeBox),
     el('div', { class: 'body' }, body),
     buttons && buttons.length ? el('div', { class: 'buttons' }, buttons) : null);
   const backdrop = el('div', { class: 'backdrop' }, layer);
   $('layers').append(backdrop);
   const close = () => backdrop.remove();
-  closeBox.addEventListener('click', () => { close(); if (onClose) onClose(); });
+  const dismiss = async () => {
+    if (!onClose || (confirmClose && !(await confirmClose()))) return;
+    close();
+    onClose();
+  };
+  closeBox.addEventListener('click', dismiss);
   layer.addEventListener('keydown', (e) => {
-    if (e.key === 'Escape' && onClose) { e.preventDefault(); close(); onClose(); }
+    if (e.key !== 'Escape') return;
+    e.preventDefault();
+    e.stopPropagation();
+    dismiss();
   });
   return { close, layer };
 }
@@ -133,7 +197,11 @@ async function settle(answer, tab) {
   let dialogShown = false;
   for (;;) {
     await showEvents(answer, tab);
-    if (!answer.pending) return dialogShown ? Object.assign(answer, { dialogShown }) : answer;
+    if (!answer.pending) {
+      if (!dialogShown) return answer;
+      for (const k of wrongFields) if (k.startsWith('dialog|')) wrongFields.delete(k);
+      return Object.assign(answer, { dialogShown });
+    }
     if (answer.pending.kind === 'dialog') dialogShown = true;
     const value = await askPending(answer.pending, tab, answer);
     // A gesture in a dialog that closed it already brought the next answer.
@@ -146,7 +214,7 @@ async function showEvents(answer, tab) {
   for (const e of answer.events || []) {
     const a = e.args || [];
     if (e.name === 'Message') status(a[0]);
-    else if (e.name === 'ErrMessage') await alertLayer(String(a[0] ?? ''), a[2] || '错误');
+    else if (e.name === 'ErrMessage') await alertLayer(String(a[0] ?? ''), clerkText(a[2]) || '错误');
     else if (e.name === 'Detaile') setTimeout(() => openScreen(Number(a[0]), Number(a[1])), 0);
     else if (e.name === 'fileedit') setTimeout(() => openScreen(Number(a[0]), Number(a[1])), 0);
     else if (e.name === 'filenew') {
@@ -158,7 +226,7 @@ async function showEvents(answer, tab) {
   }
   if (!answer.ok && answer.error && !answer.pending) {
     // A refused request (a gesture on a locked field, a bad call): shown, nothing changed.
-    status(answer.error);
+    status(failure(answer));
   }
 }
 
@@ -172,8 +240,23 @@ const MB_BUTTONS = {
 };
 const MB_ICONS = { 16: '⛔', 32: '❓', 48: '⚠', 64: 'ℹ' };
 
+// Fields whose typed text their check did not find ("scope|control", the scope a screen id or
+// "dialog"): drawn as wrong until a text passes or the field is emptied. The field whose leave
+// is on its way is `leaving`; a warning box that comes before its answer is that check's.
+const wrongFields = new Set();
+let leaving = null;
+let selectWrong = null;
+
 function askPending(p, tab, answer) {
-  if (p.kind === 'msgbox') return messageBox(p);
+  if (p.kind === 'msgbox') {
+    const icon = (p.flags || 0) & 0x70;
+    if (leaving && (icon === 16 || icon === 48)) {
+      wrongFields.add(leaving);
+      selectWrong = leaving;
+      leaving = null;
+    }
+    return messageBox(p);
+  }
   if (p.kind === 'inputbox') return inputBox(p);
   if (p.kind === 'picker') return pickerLayer(p, answer);
   if (p.kind === 'dialog') return dialogLayer(p, answer);
@@ -185,7 +268,9 @@ function messageBox(p) {
     const flags = p.flags || 0;
     const set = MB_BUTTONS[flags & 7] || MB_BUTTONS[0];
     const icon = MB_ICONS[flags & 0x70];
-    const cancelValue = set.some(([, v]) => v === 2) ? 2 : (set.length === 1 ? set[0][1] : null);
+    // Esc answers as the box's cancel, else its no, else its only button.
+    const has = (x) => set.some(([, v]) => v === x);
+    const cancelValue = has(2) ? 2 : has(7) ? 7 : (set.length === 1 ? set[0][1] : null);
     let close;
     const buttons = set.map(([label, value]) => el('button', {
       type: 'button', text: label, 'data-answer': String(value),
@@ -198,11 +283,41 @@ function messageBox(p) {
       buttons,
       onClose: cancelValue === null ? null : () => resolve(cancelValue),
     }));
-    // The default button is the first, as on the desktop (flags 256/512 move it).
+    // The default button is the first, as on the desktop (flags 256/512 move it); Enter
+    // answers with the focused button.
     const def = (flags & 0x300) >> 8;
+    (buttons[def] || buttons[0]).classList.add('default');
     (buttons[def] || buttons[0]).focus();
   });
 }
+
+// Asks before an edit is thrown away; true when the clerk agrees. The default is No.
+async function confirmDiscard(what) {
+  const answer = await messageBox({ prompt: (what || '当前界面') + '有未保存的修改，确定放弃这些修改吗？',
+                                    flags: 4 + 48 + 256, title: '提示' });
+  return answer === 6;
+}
+
+// A text typed into a field of root and not yet sent.
+function typedUnsent(root) {
+  return !!root && [...root.querySelectorAll('input[data-original], textarea[data-original]')]
+    .some((i) => i.value !== i.dataset.original);
+}
+
+// A screen with an edit that a reload or a close would throw away.
+function tabDirty(t) {
+  return !!(t.state && (t.state.IsDirty || (t.editing && typedUnsent(t.node))));
+}
+
+function markDirty(t) {
+  if (t.tabEl) t.tabEl.classList.toggle('dirty', tabDirty(t));
+}
+
+window.addEventListener('beforeunload', (e) => {
+  if (!tabs.some(tabDirty) && !document.querySelector('[data-layer="dialog"].changed')) return;
+  e.preventDefault();
+  e.returnValue = '';
+});
 
 function inputBox(p) {
   return new Promise((resolve) => {
@@ -228,6 +343,7 @@ function inputBox(p) {
 function pickerLayer(p, answer) {
   return new Promise((resolve) => {
     let layerClose = null;
+    let query = '';
     const render = (pending, lastAnswer) => {
       if (layerClose) layerClose();
       const d = pending.dialog || {};
@@ -260,11 +376,40 @@ function pickerLayer(p, answer) {
       });
       const note = el('div', { class: 'hint', text:
         `共 ${d.count ?? (d.rows || []).length} 行` + (d.multiple ? '（按住 Ctrl 可多选）' : '') });
+      // Search as you type over the picker's rows; Enter takes the chosen row shown, else the
+      // first shown; arrows choose.
+      const search = el('input', { type: 'search', class: 'list-search', 'aria-label': '筛选',
+        placeholder: '输入文字筛选（Enter 选定，↑↓ 选择）' });
+      search.value = query;
+      const shownRows = () => [...body.querySelectorAll('tr[data-index]:not([hidden])')];
+      const choose = (tr) => {
+        chosen.clear();
+        body.querySelectorAll('tr.chosen').forEach((x) => x.classList.remove('chosen'));
+        chosen.add(Number(tr.dataset.index));
+        tr.classList.add('chosen');
+        tr.scrollIntoView({ block: 'nearest' });
+      };
+      search.addEventListener('input', () => {
+        query = search.value;
+        filterRows(body.parentElement, query);
+      });
+      search.addEventListener('keydown', (e) => {
+        const rows = shownRows();
+        if (!rows.length) return;
+        const at = rows.findIndex((tr) => tr.classList.contains('chosen'));
+        if (e.key === 'ArrowDown' || e.key === 'ArrowUp') {
+          e.preventDefault();
+          choose(rows[Math.min(rows.length - 1, Math.max(0, at + (e.key === 'ArrowDown' ? 1 : -1)))]);
+        } else if (e.key === 'Enter') {
+          e.preventDefault();
+          finish([Number(rows[at >= 0 ? at : 0].dataset.index)]);
+        }
+      });
       const err = lastAnswer && !lastAnswer.ok && lastAnswer.error
-        ? el('div', { class: 'error', text: lastAnswer.error }) : null;
+        ? el('div', { class: 'error', text: failure(lastAnswer) }) : null;
       ({ close: layerClose } = openLayer({
         title: d.caption || pending.title || '选择', name: 'picker',
-        body: [controls, err, el('div', { class: 'grid-wrap' },
+        body: [controls, err, search, el('div', { class: 'grid-wrap' },
           el('table', { class: 'grid' }, el('thead', null, head), body)), note],
         buttons: [
           el('button', { type: 'button', text: '确定',
@@ -273,6 +418,8 @@ function pickerLayer(p, answer) {
         ],
         onClose: () => resolve(null),
       }));
+      filterRows(body.parentElement, query);
+      search.focus();
     };
     render(p, answer);
   });
@@ -283,7 +430,10 @@ function pickerLayer(p, answer) {
 // of another kind (a picker from a dialog's field), hands the answer on: the operation
 // answers that and shows the dialog again when it is back.
 async function dialogGesture(g, render, resolve, closeLayer, kind) {
+  const save = clickedSave && g.gesture === 'click';
+  clickedSave = false;
   const a = await protocol(Object.assign({ op: 'gesture', dialog: true }, g));
+  if (save && a.ok && !a.pending) dialogSaved = true;
   if (a.pending && a.pending.kind === kind) {
     await showEvents(Object.assign({}, a, { pending: undefined, error: undefined }), null);
     render(a.pending, a, a.ok ? movedFocus((a.pending.dialog || {}).controls, g) : null);
@@ -306,19 +456,27 @@ function dialogLayer(p, answer) {
     let footer = null;
     let buttons = [];
     const typed = new Map();  // texts sent and not yet answered, by control
+    // A gesture that changes a field makes the dialog's edit one that Esc asks about.
+    const changes = new Set(['type', 'pick', 'toggle', 'cell_edit']);
     const render = (pending, lastAnswer, moved) => {
       const d = pending.dialog || {};
-      const ctx = { gesture: (g) => dialogGesture(g, render, resolve, () => closeLayer(), 'dialog'),
-                    pending: typed };
+      const ctx = { gesture: (g) => {
+        if (changes.has(g.gesture) || (g.gesture === 'click' && /^opt/i.test(g.control))) {
+          layer.classList.add('changed');
+        }
+        return dialogGesture(g, render, resolve, () => closeLayer(), 'dialog');
+      }, pending: typed, scope: 'dialog' };
       const focus = captureFocus(layer);
       const { form, commands } = dialogForm(d.controls || [], ctx);
       const err = lastAnswer && !lastAnswer.ok && lastAnswer.error
-        ? el('div', { class: 'error', role: 'alert', text: lastAnswer.error }) : null;
+        ? el('div', { class: 'error', role: 'alert', text: failure(lastAnswer) }) : null;
       buttons = commands;
       if (!layer) {
         ({ close: closeLayer, layer } = openLayer({
           title: d.caption || pending.title || '', name: 'dialog', cls: 'entry-dialog',
           body: [err, form], onClose: () => resolve(null),
+          confirmClose: () => (layer.classList.contains('changed') || typedUnsent(layer)
+            ? confirmDiscard('录入框') : true),
         }));
         footer = el('div', { class: 'buttons' });
         layer.append(footer);
@@ -343,6 +501,7 @@ function dialogLayer(p, answer) {
       if (!(moved && restoreFocus(layer, { key: moved })) && !restoreFocus(layer, focus)) {
         focusFirst(layer);
       }
+      focusWrong(layer, 'dialog');
     };
     render(p, answer);
   });
@@ -404,7 +563,7 @@ function restoreFocus(root, f) {
   const holder = root.querySelector(`[data-control="${CSS.escape(f.key)}"]`);
   if (!holder) return false;
   const target = holder.matches('input, select, textarea, button')
-    ? holder : holder.querySelector('input, select, textarea, button');
+    ? holder : holder.querySelector('input, select, textarea, button, .grid-wrap[tabindex]');
   if (!target || target.disabled) return false;
   if (target.tagName === f.tag && f.original !== undefined && f.value !== f.original &&
       target.value === f.original) target.value = f.value;
@@ -424,6 +583,18 @@ function movedFocus(controls, g) {
   const key = f.name + (f.index !== undefined ? '(' + f.index + ')' : '');
   const own = g.control + (g.index !== undefined ? '(' + g.index + ')' : '');
   return key.toLowerCase() === own.toLowerCase() ? null : key;
+}
+
+// After a check refused a field's text: the focus goes back to it with the text selected, so
+// that typing replaces it.
+function focusWrong(root, scope) {
+  if (!selectWrong || !selectWrong.startsWith(scope + '|')) return;
+  const key = selectWrong.slice(scope.length + 1);
+  const input = root.querySelector(`[data-control="${CSS.escape(key)}"] input`);
+  if (!input) return;
+  selectWrong = null;
+  input.focus();
+  input.select();
 }
 
 // The control the state marks as focused, else the first that takes input.
@@ -513,6 +684,29 @@ function controlRef(c) {
   return g;
 }
 
+// What a number field keeps of a typed or pasted text: digits, one decimal point and a
+// leading minus; thousands separators and anything else go.
+function numberText(text) {
+  let t = String(text ?? '').trim();
+  const negative = /^[-－]/.test(t);
+  t = t.replace(/[０-９．]/g, (ch) => String.fromCharCode(ch.charCodeAt(0) - 0xfee0)).replace(/[^0-9.]/g, '');
+  const dot = t.indexOf('.');
+  if (dot >= 0) t = t.slice(0, dot + 1) + t.slice(dot + 1).replace(/\./g, '');
+  return (negative ? '-' : '') + t;
+}
+
+function keepNumber(input) {
+  input.inputMode = 'decimal';
+  input.addEventListener('input', () => {
+    const clean = numberText(input.value);
+    if (clean === input.value) return;
+    const fromEnd = input.value.length - (input.selectionEnd ?? input.value.length);
+    input.value = clean;
+    const at = Math.max(0, clean.length - fromEnd);
+    input.setSelectionRange(at, at);
+  });
+}
+
 function drawControl(c, ctx) {
   const ref = controlRef(c);
   const key = c.name + (c.index !== undefined ? '(' + c.index + ')' : '');
@@ -534,12 +728,15 @@ function drawControl(c, ctx) {
       // Until the host has the text, redraws show it as typed.
       if (ctx.pending) ctx.pending.set(key, original);
       const text = original;
+      const scoped = ctx.scope + '|' + key;
+      wrongFields.delete(scoped);
       const run = (async () => {
         try {
           await ctx.gesture(Object.assign({ gesture: 'type', text }, ref), true);
         } finally {
           if (ctx.pending && ctx.pending.get(key) === text) ctx.pending.delete(key);
         }
+        leaving = text.trim() ? scoped : null;
         await ctx.gesture(Object.assign({ gesture: 'leave' }, ref));
       })();
       commits.add(run);
@@ -547,8 +744,20 @@ function drawControl(c, ctx) {
     };
     input.addEventListener('change', commit);
     input.addEventListener('blur', commit);
+    if (wrongFields.has(ctx.scope + '|' + key)) input.setAttribute('aria-invalid', 'true');
+    input.addEventListener('input', () => {
+      if (!input.value) input.removeAttribute('aria-invalid');
+    });
+    // Enter takes the text and moves to the next field of the form.
     input.addEventListener('keydown', (e) => {
-      if (e.key === 'Enter' && input.tagName !== 'TEXTAREA') { e.preventDefault(); commit(); }
+      if (e.key !== 'Enter' || input.tagName === 'TEXTAREA' || e.altKey || e.ctrlKey) return;
+      e.preventDefault();
+      const root = input.closest('.layer, .screen');
+      const fields = root ? [...root.querySelectorAll('.field input:not([disabled]):not([readonly]), ' +
+        '.field select:not([disabled]), .field textarea:not([disabled]):not([readonly])')] : [];
+      const next = fields[fields.indexOf(input) + 1];
+      commit();
+      if (next) { next.focus(); if (next.select) next.select(); }
     });
   };
   switch (c.type) {
@@ -569,7 +778,7 @@ function drawControl(c, ctx) {
                               placeholder: c.kind === 'date' ? 'yyyy-mm-dd' : null });
         input.value = c.text || '';
         if (c.maxlength) input.maxLength = c.maxlength;
-        if (c.kind === 'number') input.classList.add('num');
+        if (c.kind === 'number') { input.classList.add('num'); keepNumber(input); }
       }
       input.name = key;
       if (input.tagName === 'SELECT') {
@@ -584,10 +793,20 @@ function drawControl(c, ctx) {
       const parts = [el('span', { class: 'caption', text: caption(c.caption) }), input];
       if (c.unit) parts.push(el('span', { class: 'unit', text: c.unit }));
       // The button shows where the field's state says so; a closed list is its own drop-down.
+      // Tab goes from the field to the next field (after the field's check), not to its
+      // button: the list opens by the mouse, F4 or Alt+↓.
       if (c.button && input.tagName !== 'SELECT') {
-        parts.push(el('button', { type: 'button', class: 'pick', text: '…', title: '选择',
-          disabled: disabled || !!c.locked,
-          onclick: () => ctx.gesture(Object.assign({ gesture: 'pick' }, ref)) }));
+        const pick = () => ctx.gesture(Object.assign({ gesture: 'pick' }, ref));
+        parts.push(el('button', { type: 'button', class: 'pick', text: '…', title: '选择 (F4)',
+          tabindex: '-1', disabled: disabled || !!c.locked, onclick: pick }));
+        if (!disabled && !c.locked) {
+          input.addEventListener('keydown', (e) => {
+            if (e.key === 'F4' || (e.altKey && e.key === 'ArrowDown')) {
+              e.preventDefault();
+              afterCommits().then(pick);
+            }
+          });
+        }
       }
       return wrap(el('label', { class: 'field' }, parts));
     }
@@ -621,8 +840,12 @@ function drawControl(c, ctx) {
     case 'CommandButton':
     case 'Button': {
       const { nodes, key: access } = captionNodes(c.caption);
+      const isSave = caption(c.caption).startsWith('保存');
       const button = el('button', { type: 'button', class: 'ctl-button', disabled,
-        onclick: () => afterCommits().then(() => ctx.gesture(Object.assign({ gesture: 'click' }, ref))) },
+        onclick: () => afterCommits().then(() => {
+          clickedSave = isSave;
+          return ctx.gesture(Object.assign({ gesture: 'click' }, ref));
+        }) },
         nodes.length ? nodes : c.name);
       if (access) { button.dataset.accessKey = access; button.title = 'Alt+' + access; }
       return wrap(button);
@@ -700,6 +923,26 @@ function colourCss(v) {
   return `rgb(${r},${g},${b})`;
 }
 
+// A cell's text as a sort key: a number (thousands separators dropped), a date, or the text.
+function sortKey(text) {
+  const t = String(text ?? '').trim();
+  if (t === '') return [2, ''];
+  const n = t.replace(/,/g, '');
+  if (/^[-+]?(\d+\.?\d*|\.\d+)%?$/.test(n)) return [0, parseFloat(n)];
+  const d = /^(\d{4})[-/.](\d{1,2})[-/.](\d{1,2})(?:[ T](\d{1,2}):(\d{2})(?::(\d{2}))?)?$/.exec(t);
+  if (d) return [0, Date.UTC(+d[1], d[2] - 1, +d[3], +(d[4] || 0), +(d[5] || 0), +(d[6] || 0))];
+  return [1, t];
+}
+
+function compareKeys(a, b) {
+  if (a[0] !== b[0]) return a[0] - b[0];
+  if (a[0] === 1) return a[1].localeCompare(b[1], 'zh-Hans-CN');
+  return a[1] - b[1];
+}
+
+// Rows per state window of a large grid (the host sends this many from the top row).
+const GRID_WINDOW = 200;
+
 function drawGrid(c, ref, ctx) {
   const cols = c.columns || [];
   const shown = [];
@@ -711,6 +954,17 @@ function drawGrid(c, ref, ctx) {
   const cells = c.cells || [];
   const head = cells.filter((r) => r.row < fixedRows);
   const data = cells.filter((r) => r.row >= fixedRows);
+  // A header click sorts the rows shown by that column (again: the other way); the order is
+  // the client's own and stays over redraws of the same grid.
+  const gridKey = ref.control + (ref.index !== undefined ? '(' + ref.index + ')' : '');
+  const sorts = ctx.sorts || (ctx.sorts = new Map());
+  const sort = sorts.get(gridKey);
+  if (sort && cols[sort.col]) {
+    const subtotal = data.some((r) => r.subtotal !== undefined);
+    if (!subtotal) {
+      data.sort((a, b) => sort.dir * compareKeys(sortKey(a.text[sort.col]), sortKey(b.text[sort.col])));
+    }
+  }
   const thead = el('thead');
   // Fixed rows: equal neighbours merge across (merged headers) and down (merged columns).
   const spanDown = new Map();
@@ -733,6 +987,16 @@ function drawGrid(c, ref, ctx) {
       }
       const th = el('th', { text: texts[ci], colSpan: colspan, rowSpan: rowspan });
       if (cols[ci].width > 0) th.style.minWidth = Math.round(cols[ci].width / 15) + 'px';
+      if (h + rowspan === head.length && colspan === 1 && data.length > 1) {
+        th.classList.add('sortable');
+        th.title = '点击按此列排序';
+        if (sort && sort.col === ci) th.classList.add(sort.dir > 0 ? 'sorted-up' : 'sorted-down');
+        th.addEventListener('click', () => {
+          const dir = sort && sort.col === ci ? -sort.dir : 1;
+          sorts.set(gridKey, { col: ci, dir });
+          if (ctx.redraw) ctx.redraw();
+        });
+      }
       tr.append(th);
       k += colspan - 1;
     }
@@ -769,9 +1033,48 @@ function drawGrid(c, ref, ctx) {
     tbody.append(tr);
   }
   const table = el('table', { class: 'grid' }, thead, tbody);
-  const wrap = el('div', { class: 'grid-wrap' }, table);
+  // An empty list says so under its header.
+  const empty = !data.length && c.type === 'VsFlexGrid' && (c.rows || 0) <= fixedRows
+    ? el('div', { class: 'grid-empty', text: '没有记录' }) : null;
+  const wrap = el('div', { class: 'grid-wrap', tabindex: '0' }, table, empty);
+  // Up and down move the current row among the rows shown (not filtered out), Enter opens it
+  // (or, from the search box, the first row shown when the current one is filtered out).
+  // True when the key was taken.
+  wrap.gridKey = (key, orFirst) => {
+    const rows = [...tbody.querySelectorAll('tr[data-row]:not([hidden])')];
+    if (!rows.length) return false;
+    const at = rows.findIndex((tr) => tr.classList.contains('current'));
+    const col = c.col >= fixedCols ? c.col : (shown.find((ci) => ci >= fixedCols) ?? 0);
+    if (key === 'ArrowDown' || key === 'ArrowUp') {
+      const next = rows[Math.min(rows.length - 1, Math.max(0, at + (key === 'ArrowDown' ? 1 : -1)))];
+      if (at >= 0 && next === rows[at]) return true;
+      rows.forEach((tr) => tr.classList.toggle('current', tr === next));
+      next.scrollIntoView({ block: 'nearest' });
+      ctx.gesture(Object.assign({ gesture: 'cell_click', row: Number(next.dataset.row), col }, ref));
+      return true;
+    }
+    if (key === 'Enter' && (at >= 0 || orFirst)) {
+      const row = Number(rows[at >= 0 ? at : 0].dataset.row);
+      if (ctx.openRow) ctx.openRow(row, col, ref);
+      else ctx.gesture(Object.assign({ gesture: 'cell_dblclick', row, col }, ref));
+      return true;
+    }
+    return false;
+  };
+  wrap.addEventListener('keydown', (e) => {
+    if (e.target === wrap && wrap.gridKey(e.key, false)) e.preventDefault();
+  });
   const dataRows = (c.rows || 0) - fixedRows;
   const box = el('div', { class: 'grid-box' }, wrap);
+  // A find or a move that scrolled the grid so that its window starts mid-page: the window
+  // goes back to the start of its page, so that a short list shows all its rows.
+  const first = c.top_row || fixedRows;
+  const aligned = fixedRows + Math.floor((first - fixedRows) / GRID_WINDOW) * GRID_WINDOW;
+  if (c.type === 'VsFlexGrid' && dataRows > data.length && aligned < first &&
+      sorts.get('aligned ' + gridKey) !== first) {
+    sorts.set('aligned ' + gridKey, first);  // once for a top row, should the scroll be refused
+    setTimeout(() => ctx.gesture(Object.assign({ gesture: 'scroll', row: aligned }, ref)), 0);
+  }
   if (dataRows > data.length && c.type === 'VsFlexGrid') {
     // Large grids come 200 rows at a time from the top row; the pager scrolls the grid.
     const top = c.top_row || fixedRows;
@@ -806,7 +1109,7 @@ function editCell(td, r, ci, ref, ctx) {
   };
   input.addEventListener('keydown', (e) => {
     if (e.key === 'Enter') commit(true);
-    if (e.key === 'Escape') commit(false);
+    if (e.key === 'Escape') { e.stopPropagation(); commit(false); }
   });
   input.addEventListener('blur', () => commit(true));
 }
@@ -819,10 +1122,13 @@ let menuEntries = new Map();
 
 async function openScreen(progID, record) {
   const entry = menuEntries.get(progID);
-  if (!entry) { await alertLayer('没有功能 ' + progID, '提示'); return null; }
+  if (!entry || !entry.ready) {
+    await alertLayer((entry ? entry.name : '该功能') + '尚未提供，请选择其他功能或联系系统管理员。', '提示');
+    return null;
+  }
   if (entry.kind === 'tool') {
     const a = await settle(await protocol({ op: 'tool', progID, record: record || 0 }), null);
-    if (!a.ok) await alertLayer(a.error || '执行失败', entry.name);
+    if (!a.ok) await alertLayer(failure(a, '执行失败'), entry.name);
     else status(entry.name + (a.result ? ' 完成' : ' 未执行'));
     return null;
   }
@@ -835,10 +1141,11 @@ async function openScreen(progID, record) {
     a = await settle(await protocol({ op: 'open', progID, record: record || 0 }), null);
   } catch (e) {
     await alertLayer(e.message, entry.name);
+    status('');
     return null;
   }
   if (!a.ok) {
-    await alertLayer(a.error || '打开失败', entry.name);
+    await alertLayer(failure(a, '打开失败'), entry.name);
     status('');
     return null;
   }
@@ -848,6 +1155,7 @@ async function openScreen(progID, record) {
   tab.node = el('div', { class: 'screen', 'data-screen': String(tab.screen),
                          'data-prog': String(progID) });
   tab.node.addEventListener('dblclick', (e) => screenDblclick(tab, e));
+  tab.node.addEventListener('input', () => markDirty(tab));
   $('screens').append(tab.node);
   tab.tabEl = el('div', { class: 'tab', role: 'tab', 'data-prog': String(progID) },
     el('span', { text: entry.name }),
@@ -873,8 +1181,9 @@ function activate(tab) {
 }
 
 async function closeTab(tab) {
+  if (tabDirty(tab) && !(await confirmDiscard(tab.name))) return;
   const a = await settle(await protocol({ op: 'close', screen: tab.screen }), tab);
-  if (!a.ok) { await alertLayer(a.error || '关闭失败', tab.name); return; }
+  if (!a.ok) { await alertLayer(failure(a, '关闭失败'), tab.name); return; }
   tab.node.remove();
   tab.tabEl.remove();
   tabs.splice(tabs.indexOf(tab), 1);
@@ -886,9 +1195,10 @@ async function closeTab(tab) {
 async function refreshState(tab) {
   if (!tabs.includes(tab)) return;
   const a = await settle(await protocol({ op: 'state', screen: tab.screen }), tab);
-  if (!a.ok) { status(a.error); return; }
+  if (!a.ok) { status(failure(a)); return; }
   tab.state = a.result;
   drawScreen(tab);
+  markDirty(tab);
   if (tab === active) drawToolbar();
 }
 
@@ -909,17 +1219,50 @@ function drawScreen(tab) {
   tab.node.classList.toggle('fill', grids.length === 1 && !shown.some((c) => c.type === 'TreeView'));
   if (!tab.typed) tab.typed = new Map();
   tab.listSheet = listSheet;
+  if (!tab.sorts) tab.sorts = new Map();
   renderControls(tab.node, controls, {
     pending: tab.typed,
+    scope: String(tab.screen),
+    sorts: tab.sorts,
+    redraw: () => drawScreen(tab),
+    openRow: listSheet ? (row, col, ref) => openRow(tab, row, col, ref) : null,
     gesture: (g, noRefresh) => screenGesture(tab, g, noRefresh),
     delegatesDblclick: true,  // screenDblclick
   });
+  if (listSheet) tab.node.prepend(searchBar(tab));
   for (const [key, [top, left]] of gridScroll) {
     const w = tab.node.querySelector(`[data-control="${CSS.escape(key)}"] > .grid-wrap`);
     if (w) { w.scrollTop = top; w.scrollLeft = left; }
   }
   $('screens').scrollTop = scrollTop;
   restoreFocus(tab.node, focus);
+}
+
+// Search as you type above a list: the rows shown that do not hold the text are hidden;
+// Enter opens the current row (the first one shown when that is hidden), arrows choose.
+function filterRows(root, text) {
+  const q = text.trim().toLowerCase();
+  for (const tr of root.querySelectorAll('tbody tr[data-row], tbody tr[data-index]')) {
+    tr.hidden = !!q && !tr.textContent.toLowerCase().includes(q);
+  }
+}
+
+function searchBar(tab) {
+  const input = el('input', { type: 'search', class: 'list-search', 'aria-label': '筛选',
+    placeholder: '输入文字筛选（Enter 打开，↑↓ 选择）' });
+  input.value = tab.search || '';
+  const grid = () => tab.node.querySelector('.grid-wrap');
+  input.addEventListener('input', () => {
+    tab.search = input.value;
+    filterRows(tab.node, input.value);
+  });
+  input.addEventListener('keydown', (e) => {
+    const w = grid();
+    if (!w || !['ArrowDown', 'ArrowUp', 'Enter'].includes(e.key)) return;
+    if (w.gridKey(e.key, true)) e.preventDefault();
+  });
+  queueMicrotask(() => filterRows(tab.node, input.value));
+  return el('div', { class: 'search-bar', 'data-control': '#search' }, input);
 }
 
 // A double click on a cell of a screen's grid (but an editable one, which edits in place).
@@ -949,16 +1292,21 @@ async function openRow(tab, row, col, ref) {
 
 async function screenGesture(tab, g, noRefresh) {
   const a = await settle(await protocol(Object.assign({ op: 'gesture', screen: tab.screen }, g)), tab);
-  if (!a.ok && a.error) status(a.error);
+  if (!a.ok && a.error) status(failure(a));
   if (noRefresh) return;
   await refreshState(tab);
   const moved = a.ok && tab.state ? movedFocus(tab.state.controls, g) : null;
   if (moved) restoreFocus(tab.node, { key: moved });
+  focusWrong(tab.node, String(tab.screen));
 }
 
 // ---------------------------------------------------------------- toolbar
 
 let toolbarBusy = false;
+
+// The keys of the toolbar's commands (named in their tooltips; taken by the page's keydown).
+const SHORTCUTS = { FileNew: 'Alt+N', FileEdit: 'F2', FileSave: 'Ctrl+S', FileCancel: 'Esc',
+                    Find: 'Ctrl+F', Refresh: 'F5', PrintPreview: 'Ctrl+P' };
 
 const TOOLBAR = [
   ['新增', 'FileNew'], ['修改', 'FileEdit'], ['删除', 'FileDelete'], ['保存', 'FileSave'],
@@ -999,7 +1347,14 @@ function enabledCommands(tab) {
   if (approvable && id > 0) on.add(approved ? 'UnCheck' : 'Check');
   if (hasRecord) { on.add('DoPrint'); on.add('PrintPreview'); }
   on.add('Export');
-  return on;
+  const served = servedCommands(tab);
+  return served ? new Set([...on].filter((x) => served.has(x))) : on;
+}
+
+// The commands a screen serves: those its sheet names (state "commands"), else all.
+function servedCommands(tab) {
+  const named = tab && tab.state && tab.state.commands;
+  return Array.isArray(named) && named.length ? new Set(named) : null;
 }
 
 function drawToolbar() {
@@ -1007,16 +1362,30 @@ function drawToolbar() {
   bar.textContent = '';
   // While a command runs the toolbar waits for it.
   const on = toolbarBusy ? new Set() : enabledCommands(active);
+  const served = servedCommands(active);
   for (const item of TOOLBAR) {
-    if (!item) { bar.append(el('span', { class: 'sep' })); continue; }
+    if (!item) {
+      if (bar.lastElementChild && !bar.lastElementChild.classList.contains('sep')) {
+        bar.append(el('span', { class: 'sep' }));
+      }
+      continue;
+    }
     const [label, cmd] = item;
+    if (served && !served.has(cmd)) continue;
     bar.append(el('button', { type: 'button', text: label, 'data-cmd': cmd,
+      title: label + (SHORTCUTS[cmd] ? ' (' + SHORTCUTS[cmd] + ')' : ''),
       disabled: !on.has(cmd), onclick: () => active && toolbarCommand(active, cmd) }));
   }
 }
 
+// A click on an entry dialog's save button that ended the dialog: the save went through.
+let dialogSaved = false;
+let clickedSave = false;
+
 async function toolbarCommand(tab, cmd) {
   if (toolbarBusy) return;
+  leaving = null;
+  dialogSaved = false;
   toolbarBusy = true;
   drawToolbar();
   try {
@@ -1037,10 +1406,11 @@ async function toolbarCommand(tab, cmd) {
       // A list sheet edits in its entry dialog, which is closed by now.
       if ((cmd === 'FileNew' || cmd === 'FileEdit') && !a.dialogShown) tab.editing = true;
       if (cmd === 'FileSave' || cmd === 'FileCancel' || cmd === 'FileDelete') tab.editing = false;
+      if (cmd === 'FileSave' || (a.dialogShown && dialogSaved)) status('已保存');
     } else if (!a.ok) {
-      await alertLayer(a.error || '操作失败', tab.name);
+      await alertLayer(failure(a, '操作失败'), tab.name);
     }
-    if (a.print_error) await alertLayer('打印页面未能生成：' + a.print_error, tab.name);
+    if (a.print_error) await alertLayer('打印页面未能生成，请重试；如仍不成功，请联系系统管理员。', tab.name);
     if (a.documents && a.documents.length) {
       showDocuments(a.documents);
     } else if ((cmd === 'DoPrint' || cmd === 'PrintPreview') && a.ok && !a.print_error) {
@@ -1048,11 +1418,56 @@ async function toolbarCommand(tab, cmd) {
       if (!(await printListGrid(tab, cmd === 'DoPrint'))) status('没有可打印的页面');
     }
     await refreshState(tab);
+    if ((cmd === 'FileNew' || cmd === 'FileEdit') && tab.editing && tab === active) {
+      // The cursor goes to the first field that takes input.
+      const first = tab.node.querySelector('.field input:not([disabled]):not([readonly]), ' +
+        '.field select:not([disabled]), .field textarea:not([disabled]):not([readonly])');
+      if (first) first.focus();
+    }
   } finally {
     toolbarBusy = false;
     drawToolbar();
   }
 }
+
+// The toolbar's keys on the page (no layer open): a command runs when the screen allows it;
+// Esc cancels an edit, asking first when something was changed. In an entry dialog Ctrl+S
+// is its save button.
+document.addEventListener('keydown', (e) => {
+  if (!$('app') || $('app').hidden) return;
+  const ctrl = (e.ctrlKey || e.metaKey) && !e.altKey && !e.shiftKey;
+  const layer = topLayer();
+  if (layer) {
+    if (ctrl && e.key.toLowerCase() === 's') {
+      e.preventDefault();
+      const save = [...layer.querySelectorAll('.buttons button[data-access-key="S"]')].find((b) => !b.disabled);
+      if (!save) return;
+      if (document.activeElement && layer.contains(document.activeElement)) document.activeElement.blur();
+      save.click();
+    }
+    return;
+  }
+  let cmd = null;
+  const key = e.key.toLowerCase();
+  if (ctrl && key === 's') cmd = 'FileSave';
+  else if (ctrl && key === 'f') cmd = 'Find';
+  else if (ctrl && key === 'p') cmd = 'PrintPreview';
+  else if (e.altKey && !e.ctrlKey && key === 'n') cmd = 'FileNew';
+  else if (e.key === 'F2' && !ctrl) cmd = 'FileEdit';
+  else if (e.key === 'F5' && !ctrl) cmd = 'Refresh';
+  else if (e.key === 'Escape') cmd = 'FileCancel';
+  if (!cmd || !active) return;
+  e.preventDefault();
+  if (toolbarBusy || !enabledCommands(active).has(cmd)) return;
+  const tab = active;
+  (async () => {
+    // The field being typed in gives up its text first.
+    if (document.activeElement && tab.node.contains(document.activeElement)) document.activeElement.blur();
+    await afterCommits();
+    if (cmd === 'FileCancel' && tabDirty(tab) && !(await confirmDiscard(tab.name))) return;
+    await toolbarCommand(tab, cmd);
+  })();
+});
 
 // ---------------------------------------------------------------- printing and export
 
@@ -1094,7 +1509,7 @@ async function printListGrid(tab, direct) {
   const req = { op: 'print_grid', screen: tab.screen, control: grid.name, title: tab.name, direct };
   if (grid.index !== undefined) req.index = grid.index;
   const a = await settle(await protocol(req), tab);
-  if (!a.ok) { await alertLayer(a.error || '打印失败', tab.name); return true; }
+  if (!a.ok) { await alertLayer(failure(a, '打印失败'), tab.name); return true; }
   if (!a.documents || !a.documents.length) return false;
   showDocuments(a.documents);
   return true;
@@ -1107,11 +1522,13 @@ async function exportGrid(tab) {
   if (!grids.length) { await alertLayer('当前界面没有可导出的表格', tab.name); return; }
   const choice = await exportLayer(grids);
   if (!choice) return;
-  const req = { op: 'export', screen: tab.screen, control: choice.grid.name, format: choice.format };
+  // The file is named after the screen and the day.
+  const req = { op: 'export', screen: tab.screen, control: choice.grid.name, format: choice.format,
+                title: tab.name };
   if (choice.grid.index !== undefined) req.index = choice.grid.index;
   const a = await settle(await protocol(req), tab);
   if (!a.ok || !a.result || !a.result.url) {
-    await alertLayer(a.error || '导出失败', tab.name);
+    await alertLayer(failure(a, '导出失败'), tab.name);
     return;
   }
   const link = el('a', { href: a.result.url, download: a.result.name, hidden: true });
@@ -1211,8 +1628,10 @@ async function loadMenu() {
     const d = el('details', { open: true }, el('summary', { text: g.name || '其他' }));
     for (const e of g.entries) {
       menuEntries.set(e.progID, e);
+      // An entry whose screen is not provided yet cannot be opened: it shows, greyed.
       d.append(el('button', { type: 'button', class: 'entry' + (e.ready ? '' : ' unready'),
-        text: e.name, 'data-prog': String(e.progID), title: e.ready ? e.class : e.class + '（尚未提供）',
+        text: e.name, 'data-prog': String(e.progID), disabled: !e.ready,
+        title: e.ready ? '打开' + e.name : e.name + '（尚未提供）',
         onclick: () => openScreen(e.progID, 0) }));
     }
     nav.append(d);
@@ -1287,6 +1706,15 @@ $('password-form').addEventListener('submit', async (e) => {
     $('password-error').textContent = err.message;
   }
 });
+
+// On a narrow screen the menu stands behind a button and goes away once an entry is chosen.
+function showMenu(open) {
+  document.body.classList.toggle('menu-open', open);
+  $('menu-toggle').setAttribute('aria-expanded', String(open));
+}
+$('menu-toggle').addEventListener('click', () =>
+  showMenu(!document.body.classList.contains('menu-open')));
+$('menu').addEventListener('click', (e) => { if (e.target.closest('button.entry')) showMenu(false); });
 
 $('password-back').addEventListener('click', () => showPage('app'));
 $('change-password').addEventListener('click', () => {
