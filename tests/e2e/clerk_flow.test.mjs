@@ -1,26 +1,12 @@
 // A clerk's keyboard and mouse on the owners' list and the buildings sheet: boxes and dialogs
 // hold the keyboard, Esc answers as cancel/no, nothing a developer wrote reaches the clerk,
 // an edit is never thrown away without asking, and a field whose text was not found says so. Screenshots at desktop and phone width.
-import { after, before, test } from 'node:test';
+import { test } from 'node:test';
 import assert from 'node:assert/strict';
-import { shot, signIn, startBrowser, startServer } from './support.mjs';
+import { session, shot } from './support.mjs';
 
-let server;
-let browser;
-let context;
 let page;
-
-before(async () => {
-  server = await startServer();
-  ({ browser, context } = await startBrowser());
-  page = await context.newPage();
-  await signIn(page, server.url, 'admin', server.password, 'e2e-secret-3');
-});
-
-after(async () => {
-  if (browser) await browser.close();
-  if (server) await server.stop();
-});
+session((s) => ({ page } = s), 'e2e-secret-3');
 
 const OWNERS = 870004;
 const BUILDINGS = 870001;
