@@ -1,7 +1,7 @@
 // Starts `mrvk serve` on a fresh SQLite database and a headless Debian chromium for the
 // browser tests. MRVK_BIN names the executable (default: build/mrvk of the project);
 // MRVK_E2E_ARTIFACTS the folder of the screenshots (default: build/e2e-artifacts).
-import { spawn } from 'node:child_process';
+import { spawn, spawnSync } from 'node:child_process';
 import { mkdtempSync, mkdirSync, rmSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import path from 'node:path';
@@ -14,10 +14,16 @@ export const binary = process.env.MRVK_BIN || path.join(root, 'build', 'mrvk');
 export const artifacts = process.env.MRVK_E2E_ARTIFACTS || path.join(root, 'build', 'e2e-artifacts');
 export const chromiumPath = process.env.MRVK_CHROMIUM || '/usr/bin/chromium';
 
-// Runs `mrvk serve` on any free port; resolves to { url, password, stop }.
-async function startServer() {
+// Runs `mrvk serve` on any free port, on a database that `mrvk demo` fills with demoUnits
+// units (and their estates, owners and clients) when given; resolves to { url, password, stop }.
+async function startServer(demoUnits) {
   const dir = mkdtempSync(path.join(tmpdir(), 'mrvk-e2e-'));
-  const child = spawn(binary, ['serve', '--database', `sqlite://${dir}/e2e.sqlite3`, '--port', '0',
+  const database = `sqlite://${dir}/e2e.sqlite3`;
+  for (const args of demoUnits ? [['init-db'], ['demo', '--units', String(demoUnits)]] : []) {
+    const run = spawnSync(binary, [...args, '--database', database], { encoding: 'utf8' });
+    if (run.status !== 0) throw new Error(`mrvk ${args[0]} failed: ${run.stdout}${run.stderr}`);
+  }
+  const child = spawn(binary, ['serve', '--database', database, '--port', '0',
                                '--app-path', dir], { stdio: ['ignore', 'pipe', 'pipe'] });
   let out = '';
   let err = '';
@@ -75,12 +81,13 @@ export async function signIn(page, url, user, password, next) {
 }
 
 // One server and one browser page for a test file: `use` receives { server, page } before the
-// first test; with `next` the administrator is signed in and the password changed to it.
-export function session(use, next) {
+// first test; with `next` the administrator is signed in and the password changed to it;
+// with demoUnits the database holds that many demo units first.
+export function session(use, next, demoUnits = 0) {
   let server;
   let browser;
   before(async () => {
-    server = await startServer();
+    server = await startServer(demoUnits);
     let context;
     ({ browser, context } = await startBrowser());
     const page = await context.newPage();

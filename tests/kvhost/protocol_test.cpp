@@ -413,6 +413,7 @@ TEST_P(ProtocolTest, APickerIsPendingUntilARowIsChosenOrItIsCancelled) {
   EXPECT_EQ(cells(p), (std::vector<std::string>{"0:W01|O'Hara 公寓", "1:W02|东方花园"}));
   EXPECT_EQ(p["dialog"]["current"], 0);
   EXPECT_EQ(p["dialog"]["multiple"], false);
+  EXPECT_EQ(p["dialog"]["find_box"], json({{"name", "txtFind"}}));
   // Answers that are no row of the list are refused; the list stays, the screen behind waits.
   for (const json& bad : {json::array({5}), json::array({0, 1}), json("W01"), json::array({-1})}) {
     a = Send({{"op", "answer"}, {"value", bad}});

@@ -293,12 +293,32 @@ void GridControl::WriteOwnState(nlohmann::json& out) const {
     columns.push_back(std::move(col));
   }
   out["columns"] = std::move(columns);
-  // The fixed rows always, then at most kStateWindowRows data rows from TopRow.
+  // The fixed rows always, then at most kStateWindowRows data rows from TopRow that are not
+  // filtered out (row height 0); with rows filtered out, how many rows show in all, above the
+  // window, and where the window before this one starts.
   std::vector<int> shown;
   for (int r = 0; r < fixed_rows_; ++r) shown.push_back(r);
   const int top = TopRow();
-  for (int r = top; r < Rows() && r < top + kStateWindowRows; ++r) shown.push_back(r);
+  int shown_rows = 0;
+  std::vector<int> above;  // the rows shown above the window
+  for (int r = fixed_rows_; r < Rows(); ++r) {
+    if (rows_[static_cast<size_t>(r)].height == 0) continue;
+    ++shown_rows;
+    if (r < top) {
+      above.push_back(r);
+    } else if (static_cast<int>(shown.size()) - fixed_rows_ < kStateWindowRows) {
+      shown.push_back(r);
+    }
+  }
   out["window"] = {{"first", top}, {"count", static_cast<int>(shown.size()) - fixed_rows_}};
+  if (shown_rows < Rows() - fixed_rows_) {
+    out["window"]["shown"] = shown_rows;
+    out["window"]["above"] = static_cast<int>(above.size());
+    if (!above.empty()) {
+      const size_t back = std::min(above.size(), static_cast<size_t>(kStateWindowRows));
+      out["window"]["previous"] = above[above.size() - back];
+    }
+  }
   nlohmann::json cells = nlohmann::json::array();
   for (int r : shown) {
     const GridRow& row = rows_[static_cast<size_t>(r)];

@@ -18,13 +18,16 @@
 //       rows, fixed and subtotal rows included, so a front end sizes its scroll bar by it;
 //   "row", "col": the current cell; "top_row": the first data row in view;
 //   "window": {"first": top_row, "count": n}: the data rows the state carries (at most
-//       kStateWindowRows); a front end pages with the gesture scroll (row = new TopRow);
+//       kStateWindowRows, rows filtered out skipped); a front end pages with the gesture
+//       scroll (row = new TopRow). With rows filtered out it adds "shown" (the data rows
+//       that show), "above" (those above the window) and "previous" (the row where the
+//       window before this one starts, when there is one);
 //   "merge_cells", "word_wrap", "grid_color" (0x00BBGGRR), "redraw": when false the logic is
 //       still filling the grid and a front end keeps what it shows;
 //   "columns": per column {"width" (0: not shown), "hidden", "alignment" (grid_align),
 //       "data_type", "format", "merge"}; the detail grid adds its descriptor;
 //   "cells": the fixed rows, then the window, each {"row", "text": [displayed text per
-//       column, formats applied], optional "height" (when not the default; 0 = filtered out),
+//       column, formats applied], optional "height" (when not the default),
 //       "merge" (the row merges equal neighbours: a merged header), "subtotal" (the group
 //       column of a subtotal row, -1 for the grand total), "styles": [{"col", "back", "fore",
 //       "alignment", "bold"}] for cells with a style of their own}.

@@ -210,12 +210,40 @@ void VsFlexGrid::SetSort(int setting) {
   }
 }
 
+int VsFlexGrid::ColumnHolding(int row, const std::string& text, int col_index) const {
+  const std::string upper = mrvk::UCase(text);
+  for (int c = FixedCols(); c < Cols(); ++c) {
+    if (col_index >= 0 && c != col_index) continue;
+    if (!IsColumnShown(c)) continue;
+    if (mrvk::UCase(TextMatrix(row, c)).find(upper) != std::string::npos) return c;
+  }
+  return -1;
+}
+
+int VsFlexGrid::ShowRowsHolding(const std::string& text) {
+  int shown = 0;
+  int first = -1;
+  for (int r = FixedRows(); r < Rows(); ++r) {
+    const bool show = text.empty() || ColumnHolding(r, text) >= 0;
+    RowHeight(r) = show ? kDefaultRowHeight : 0;
+    if (!show) continue;
+    ++shown;
+    if (first < 0) first = r;
+  }
+  if (first >= 0) SetTopRow(first);
+  return shown;
+}
+
 std::string VsFlexGrid::Apply(const Gesture& g) {
   if (g.kind == "col_width") return ApplyColWidth(g);
   if (g.kind != "cell_click" && g.kind != "cell_dblclick" && g.kind != "scroll" &&
-      g.kind != "keydown")
+      g.kind != "keydown" && g.kind != "search")
     return Unsupported(g);
   if (std::string why = RefusesInput(/*locked_counts=*/false); !why.empty()) return why;
+  if (g.kind == "search") {
+    ShowRowsHolding(g.text);
+    return "";
+  }
   if (g.kind == "keydown") {
     if (g.row < 0) return DisplayName() + ": keydown needs the key code in row";
     if (KeyDown) KeyDown(g.row, g.col < 0 ? 0 : g.col);

@@ -81,6 +81,15 @@ class VsFlexGrid : public GridControl {
   // its total. Rows that compare equal keep their order.
   void SetSort(int setting);
 
+  // The first shown column from FixedCols on (or only col_index, when 0 or above) whose text
+  // holds `text`, case of ASCII letters aside; -1 when none does. An empty text is held by
+  // every cell.
+  int ColumnHolding(int row, const std::string& text, int col_index = -1) const;
+  // Shows the data rows that hold `text` in a shown column and hides the others (row height
+  // 0), subtotal rows with them; an empty text shows every row again. The first row shown
+  // becomes the top row. Returns the rows shown.
+  int ShowRowsHolding(const std::string& text);
+
   std::function<void()> Click;
   std::function<void()> DblClick;
   std::function<void()> AfterScroll;
@@ -89,7 +98,8 @@ class VsFlexGrid : public GridControl {
   // cell_click (row, col): Row and Col move there, then Click. cell_dblclick: the same, then
   // DblClick. scroll (row): TopRow moves there, then AfterScroll; the state then carries the
   // rows from there. keydown (row = the key code, col = the shift state, 0 when not given):
-  // KeyDown. col_width (col, text): the person sizes or hides a column.
+  // KeyDown. col_width (col, text): the person sizes or hides a column. search (text):
+  // ShowRowsHolding, as a person typing into a list's search box.
   std::string Apply(const Gesture& gesture) override;
 
  private:

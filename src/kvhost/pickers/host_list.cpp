@@ -7,17 +7,6 @@
 #include "kvhost/lib/display_format.h"
 
 namespace kvhost {
-namespace {
-
-std::string UpperAscii(std::string s) {
-  for (char& c : s) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return s;
-}
-
-}  // namespace
-
 HostList::HostList() : form_("frmPicker", this) {
   ControlList& controls = form_.Controls();
   controls.Add(lblFind);
@@ -97,24 +86,6 @@ void HostList::Confirm() {
   form_.Hide();
 }
 
-void HostList::FindChanged() {
-  const std::string text = UpperAscii(txtFind.Text);
-  int first = -1;
-  for (int r = Vs.FixedRows(); r < Vs.Rows(); ++r) {
-    bool keep = text.empty();
-    for (int c = 0; !keep && c < Vs.Cols(); ++c) {
-      if (!Vs.IsColumnShown(c)) continue;
-      keep = UpperAscii(Vs.TextMatrix(r, c)).find(text) != std::string::npos;
-    }
-    Vs.RowHeight(r) = keep ? GridControl::kDefaultRowHeight : 0;
-    if (keep && first < 0) first = r;
-  }
-  if (first >= 0) {
-    Vs.SetRow(first);
-    Vs.SetTopRow(first);
-  } else {
-    Vs.SetRow(0);
-  }
-}
+void HostList::FindChanged() { Vs.SetRow(Vs.ShowRowsHolding(txtFind.Text) > 0 ? Vs.TopRow() : 0); }
 
 }  // namespace kvhost

@@ -35,6 +35,7 @@ class HostList : public mrvk::IPickerList {
 
   // IPickerList
   VsFlexGrid& ListGrid() override { return Vs; }
+  const Control* FindBox() const override { return &txtFind; }
   bool MultipleRows() const override { return false; }
   void ChooseRows(const std::vector<int>& rows) override;
   void CancelChoice() override;

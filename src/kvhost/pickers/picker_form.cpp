@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "kvhost/lib/control.h"
 #include "kvhost/lib/vs_flex_grid.h"
 
 namespace kvhost {
@@ -34,6 +35,10 @@ void PickerForm::WriteState(nlohmann::json& out) const {
   out["count"] = count;
   out["current"] = grid.Row() >= fixed && grid.Row() < grid.Rows() ? grid.Row() - fixed : -1;
   out["multiple"] = list_->MultipleRows();
+  if (const Control* box = list_->FindBox()) {
+    out["find_box"] = {{"name", box->Name()}};
+    if (box->Index() >= 0) out["find_box"]["index"] = box->Index();
+  }
 }
 
 std::string PickerForm::Answer(const mrvk::Variant& value) {

@@ -22,7 +22,8 @@ class PickerForm : public Dialog {
   std::string Kind() const override { return "picker"; }
   // The dialog's state, and: "columns" (the captions of the shown columns), "rows" (up to
   // kStateRows visible data rows from the top row, each {"index", "cells"}), "count" (the
-  // visible data rows), "current" (the current row's index, -1 for none), "multiple".
+  // visible data rows), "current" (the current row's index, -1 for none), "multiple", and
+  // "find_box" ({"name", "index"}: the list's find field) when the list has one.
   void WriteState(nlohmann::json& out) const override;
   // null cancels; an array of row indexes chooses them (exactly one unless the list takes
   // several). Anything else, or an index that is no data row of the list, is refused.

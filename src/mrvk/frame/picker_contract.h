@@ -12,6 +12,7 @@
 #include "mrvk/frame/host_contract.h"
 
 namespace kvhost {
+class Control;     // kvhost/lib/control.h
 class VsFlexGrid;  // the list grid, kvhost/lib/vs_flex_grid.h
 }  // namespace kvhost
 
@@ -114,6 +115,9 @@ class IPickerList {
  public:
   virtual ~IPickerList() = default;
   virtual kvhost::VsFlexGrid& ListGrid() = 0;
+  // The field whose text narrows the list as it is typed (its change event searches); null
+  // when the list has none. A front end with a search box of its own types into this one.
+  virtual const kvhost::Control* FindBox() const { return nullptr; }
   // Whether several rows can be chosen at once.
   virtual bool MultipleRows() const = 0;
   // Chooses these rows as the person would (a single row becomes the current row, several

@@ -15,14 +15,6 @@ TreeNode* Alive(const std::weak_ptr<TreeNode>& ref) {
   return n && n->Index() > 0 ? n.get() : nullptr;
 }
 
-// VB's UCase on the text: only ASCII letters have a case; Chinese and other characters stay.
-std::string UpperAscii(std::string text) {
-  for (char& c : text) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return text;
-}
-
 // Where NodeFirstViewable hits the view: inside its first line.
 constexpr float kHitX = 5;
 constexpr float kHitY = 5;
@@ -252,9 +244,9 @@ bool cTreeView::FindAfter(const TreeNode* after, TreeNode*& node, const std::str
   const auto order = ctrl_->Nodes.InTreeOrder(/*only_shown=*/false);
   auto it = std::find(order.begin(), order.end(), after);
   it = it == order.end() ? order.begin() : it + 1;
-  const std::string wanted = UpperAscii(text);
+  const std::string wanted = UCase(text);
   it = std::find_if(it, order.end(), [&](const TreeNode* n) {
-    return UpperAscii(n->Text).find(wanted) != std::string::npos;
+    return UCase(n->Text).find(wanted) != std::string::npos;
   });
   if (it == order.end()) return false;
   node = *it;
@@ -270,9 +262,9 @@ bool cTreeView::NodeFindTag(TreeNode*& node, const std::string& tag, std::string
   node = nullptr;
   key.clear();
   if (!ctrl_) return false;
-  const std::string wanted = UpperAscii(tag);
+  const std::string wanted = UCase(tag);
   for (TreeNode* n : ctrl_->Nodes.InTreeOrder(/*only_shown=*/false)) {
-    if (UpperAscii(n->Tag.ToString()) != wanted) continue;
+    if (UCase(n->Tag.ToString()) != wanted) continue;
     node = n;
     key = n->Key();
     return true;

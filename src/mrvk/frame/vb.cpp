@@ -74,6 +74,13 @@ std::string Trim(std::string_view text) {
   return std::string(text.substr(b, e - b));
 }
 
+std::string UCase(std::string text) {
+  for (char& c : text) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  }
+  return text;
+}
+
 std::string NumberText(double value) {
   if (value == 0 || !std::isfinite(value)) return "0";
   const double mag = std::fabs(value);

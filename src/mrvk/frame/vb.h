@@ -61,6 +61,9 @@ double Val(std::string_view text);
 // VB Trim: removes leading and trailing blanks (only the ASCII space, as VB does).
 std::string Trim(std::string_view text);
 
+// VB UCase: only ASCII letters have a case; Chinese and other characters stay as they are.
+std::string UCase(std::string text);
+
 // The ordinary number-to-text rule (VB's CStr of a Double): up to 15 significant digits, no
 // trailing zeros, no thousands separator; 0 gives "0", 12.5 gives "12.5", 0.5 gives "0.5",
 // -3 gives "-3"; magnitudes of 1E15 and above, and below 1E-4, use the "1E+15" form.

@@ -23,14 +23,6 @@ constexpr const char* kMark = "√";
 constexpr const char* kFormat =
     " |选择  |编号  |名称            |ID|电话    |地址                |联系人  |备注    ";
 
-// Upper case of ASCII letters only: other characters compare as they are.
-std::string UpperAscii(std::string s) {
-  for (char& c : s) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return s;
-}
-
 bool IsDigits(const std::string& s) {
   if (s.empty()) return false;
   for (char c : s) {
@@ -303,10 +295,10 @@ void selPdm::ParseFindColumns() {
 // current row goes to the first whose cell equals the text, else to the first whose cell
 // begins with it. Letters compare in upper case.
 void selPdm::ChkFind() {
-  const std::string text = UpperAscii(Txt[0].Text);
+  const std::string text = UCase(Txt[0].Text);
   std::vector<int> cols = find_columns_;
   if (cols.empty()) cols.push_back(Vs.Col());
-  auto cell = [this](int r, int c) { return UpperAscii(Vs.TextMatrix(r, c)); };
+  auto cell = [this](int r, int c) { return UCase(Vs.TextMatrix(r, c)); };
   const int first = Vs.FixedRows();
   if (Check.Value == 1) {
     int hit = -1;

@@ -66,6 +66,7 @@ class selPdm : public ModuleObject, public IPickerUI, public IDesignUI, public I
 
   // IPickerList: a front end's answer with row indexes.
   kvhost::VsFlexGrid& ListGrid() override { return Vs; }
+  const kvhost::Control* FindBox() const override { return &Txt[0]; }
   bool MultipleRows() const override { return !single_; }
   void ChooseRows(const std::vector<int>& rows) override;
   void CancelChoice() override { Cmd_Click(kCancel); }

@@ -162,6 +162,22 @@ TEST(VsFlexGridState, LargeGridsSendAWindowOfRows) {
   grid.WriteState(state);
   EXPECT_EQ(state["cells"].size(), 1 + 51);
   EXPECT_EQ(state["window"], (nlohmann::json{{"first", 950}, {"count", 51}}));
+
+  // A search hides the rows without the text; the window carries only rows that show and
+  // says how many show in all and above it. 0..999 holding "1": 271, of them 176 below 500.
+  ASSERT_EQ(grid.Apply(Gesture{"search", "1"}), "");
+  EXPECT_EQ(grid.TopRow(), 2);
+  ASSERT_EQ(grid.Apply(Gesture{"scroll", "", 501, -1}), "");
+  state.clear();
+  grid.WriteState(state);
+  EXPECT_EQ(state["window"],
+            (nlohmann::json{
+                {"first", 501}, {"count", 95}, {"shown", 271}, {"above", 176}, {"previous", 2}}));
+  EXPECT_EQ(state["cells"][1]["text"][1], "501");
+  ASSERT_EQ(grid.Apply(Gesture{"search", ""}), "");
+  state.clear();
+  grid.WriteState(state);
+  EXPECT_EQ(state["window"], (nlohmann::json{{"first", 1}, {"count", 200}}));
 }
 
 TEST_F(VsFlexGridTest, RangesOfCellPropertiesAndTheirState) {

@@ -344,6 +344,8 @@ function pickerLayer(p, answer) {
   return new Promise((resolve) => {
     let layerClose = null;
     let query = '';
+    let searchTimer = null;
+    let shownOnce = false;
     const render = (pending, lastAnswer) => {
       if (layerClose) layerClose();
       const d = pending.dialog || {};
@@ -368,19 +370,29 @@ function pickerLayer(p, answer) {
       }
       const controls = el('div', { class: 'ctl-flow' });
       // The list's rows come as the table below, chosen by index; its own grid and buttons
-      // would not know that choice.
+      // would not know that choice. Its find field is the search box above the rows.
+      const findBox = d.find_box || null;
+      const isFindBox = (c) => findBox && c.name === findBox.name && c.index === findBox.index;
       const own = (d.controls || []).filter((c) =>
-        c.type !== 'VsFlexGrid' && c.type !== 'kvGrid' && c.type !== 'CommandButton');
-      renderControls(controls, own, {
-        gesture: (g) => dialogGesture(g, render, resolve, () => layerClose(), 'picker'),
-      });
+        c.type !== 'VsFlexGrid' && c.type !== 'kvGrid' && c.type !== 'CommandButton' && !isFindBox(c));
+      const gesture = (g) => dialogGesture(g, render, resolve, () => layerClose(), 'picker');
+      if (!shownOnce && findBox) query = ((d.controls || []).find(isFindBox) || {}).text || '';
+      shownOnce = true;
+      renderControls(controls, own, { gesture });
       const note = el('div', { class: 'hint', text:
         `共 ${d.count ?? (d.rows || []).length} 行` + (d.multiple ? '（按住 Ctrl 可多选）' : '') });
       // Search as you type over the picker's rows; Enter takes the chosen row shown, else the
-      // first shown; arrows choose.
+      // first shown; arrows choose. The text goes to the list's own find field, or, for a
+      // list longer than the rows shown here, to its grid's search; otherwise the rows here
+      // are filtered.
       const search = el('input', { type: 'search', class: 'list-search', 'aria-label': '筛选',
         placeholder: '输入文字筛选（Enter 选定，↑↓ 选择）' });
       search.value = query;
+      const listGrid = (d.controls || []).find((c) => c.type === 'VsFlexGrid');
+      const hostSearch = findBox ? Object.assign({ gesture: 'type', control: findBox.name },
+        findBox.index !== undefined ? { index: findBox.index } : {})
+        : listGrid && (d.count ?? 0) > (d.rows || []).length
+          ? Object.assign({ gesture: 'search' }, controlRef(listGrid)) : null;
       const shownRows = () => [...body.querySelectorAll('tr[data-index]:not([hidden])')];
       const choose = (tr) => {
         chosen.clear();
@@ -391,7 +403,10 @@ function pickerLayer(p, answer) {
       };
       search.addEventListener('input', () => {
         query = search.value;
-        filterRows(body.parentElement, query);
+        if (!hostSearch) { filterRows(body.parentElement, query); return; }
+        clearTimeout(searchTimer);
+        searchTimer = setTimeout(() => gesture(Object.assign({ text: query }, hostSearch)),
+                                 SEARCH_PAUSE_MS);
       });
       search.addEventListener('keydown', (e) => {
         const rows = shownRows();
@@ -418,8 +433,9 @@ function pickerLayer(p, answer) {
         ],
         onClose: () => resolve(null),
       }));
-      filterRows(body.parentElement, query);
+      if (!hostSearch) filterRows(body.parentElement, query);
       search.focus();
+      search.setSelectionRange(query.length, query.length);
     };
     render(p, answer);
   });
@@ -1068,24 +1084,30 @@ function drawGrid(c, ref, ctx) {
   const box = el('div', { class: 'grid-box' }, wrap);
   // A find or a move that scrolled the grid so that its window starts mid-page: the window
   // goes back to the start of its page, so that a short list shows all its rows.
+  // With rows filtered out (a search) the window counts only the rows that show.
+  const win = c.window || {};
+  const filtered = win.shown !== undefined;
   const first = c.top_row || fixedRows;
   const aligned = fixedRows + Math.floor((first - fixedRows) / GRID_WINDOW) * GRID_WINDOW;
-  if (c.type === 'VsFlexGrid' && dataRows > data.length && aligned < first &&
+  if (c.type === 'VsFlexGrid' && !filtered && dataRows > data.length && aligned < first &&
       sorts.get('aligned ' + gridKey) !== first) {
     sorts.set('aligned ' + gridKey, first);  // once for a top row, should the scroll be refused
     setTimeout(() => ctx.gesture(Object.assign({ gesture: 'scroll', row: aligned }, ref)), 0);
   }
-  if (dataRows > data.length && c.type === 'VsFlexGrid') {
+  const total = filtered ? win.shown : dataRows;
+  if (total > data.length && c.type === 'VsFlexGrid') {
     // Large grids come 200 rows at a time from the top row; the pager scrolls the grid.
     const top = c.top_row || fixedRows;
-    const page = Math.max(data.length, 1);
+    const before = filtered ? win.above : top - fixedRows;
+    const previous = filtered ? win.previous : Math.max(fixedRows, top - Math.max(data.length, 1));
+    const next = data.length ? data[data.length - 1].row + 1 : c.rows;
     box.append(el('div', { class: 'pager' },
-      el('button', { type: 'button', text: '上一页', disabled: top <= fixedRows,
-        onclick: () => ctx.gesture(Object.assign({ gesture: 'scroll', row: Math.max(fixedRows, top - page) }, ref)) }),
-      el('span', { text: `第 ${top - fixedRows + 1}–${top - fixedRows + data.length} 行，共 ${dataRows} 行` }),
-      el('button', { type: 'button', text: '下一页', disabled: top + data.length >= c.rows,
-        onclick: () => ctx.gesture(Object.assign({ gesture: 'scroll', row: top + page }, ref)) })));
-  } else if (dataRows > data.length) {
+      el('button', { type: 'button', text: '上一页', disabled: !before || previous === undefined,
+        onclick: () => ctx.gesture(Object.assign({ gesture: 'scroll', row: previous }, ref)) }),
+      el('span', { text: `第 ${before + 1}–${before + data.length} 行，共 ${total} 行` }),
+      el('button', { type: 'button', text: '下一页', disabled: before + data.length >= total,
+        onclick: () => ctx.gesture(Object.assign({ gesture: 'scroll', row: next }, ref)) })));
+  } else if (dataRows > data.length && !filtered) {
     box.append(el('div', { class: 'pager', text: `显示 ${data.length} 行，共 ${dataRows} 行` }));
   }
   return box;
@@ -1247,22 +1269,38 @@ function filterRows(root, text) {
   }
 }
 
+// A list longer than the rows the client holds is searched by the host: the grid's search
+// gesture, sent once the typing pauses, hides the rows that do not hold the text.
 function searchBar(tab) {
   const input = el('input', { type: 'search', class: 'list-search', 'aria-label': '筛选',
     placeholder: '输入文字筛选（Enter 打开，↑↓ 选择）' });
   input.value = tab.search || '';
   const grid = () => tab.node.querySelector('.grid-wrap');
+  const list = (tab.state.controls || []).find((c) => c.type === 'VsFlexGrid' && c.visible !== false);
+  const byHost = list && isLongList(list);
   input.addEventListener('input', () => {
     tab.search = input.value;
-    filterRows(tab.node, input.value);
+    if (!byHost) { filterRows(tab.node, input.value); return; }
+    clearTimeout(tab.searchTimer);
+    tab.searchTimer = setTimeout(() => screenGesture(tab, Object.assign(
+      { gesture: 'search', text: input.value }, controlRef(list))), SEARCH_PAUSE_MS);
   });
   input.addEventListener('keydown', (e) => {
     const w = grid();
     if (!w || !['ArrowDown', 'ArrowUp', 'Enter'].includes(e.key)) return;
     if (w.gridKey(e.key, true)) e.preventDefault();
   });
-  queueMicrotask(() => filterRows(tab.node, input.value));
+  if (!byHost) queueMicrotask(() => filterRows(tab.node, input.value));
   return el('div', { class: 'search-bar', 'data-control': '#search' }, input);
+}
+
+// The pause in typing after which a search goes to the host.
+const SEARCH_PAUSE_MS = 150;
+
+// Whether the host holds more rows of a list grid than its state carries (or hides some).
+function isLongList(c) {
+  const win = c.window || {};
+  return win.shown !== undefined || (c.rows || 0) - (c.fixed_rows || 0) > (win.count || 0);
 }
 
 // A double click on a cell of a screen's grid (but an editable one, which edits in place).
