@@ -1277,13 +1277,14 @@ function searchBar(tab) {
   input.value = tab.search || '';
   const grid = () => tab.node.querySelector('.grid-wrap');
   const list = (tab.state.controls || []).find((c) => c.type === 'VsFlexGrid' && c.visible !== false);
-  const byHost = list && isLongList(list);
+  tab.hostSearch = list && isLongList(list) ? Object.assign({ gesture: 'search' }, controlRef(list)) : null;
+  const byHost = !!tab.hostSearch;
   input.addEventListener('input', () => {
     tab.search = input.value;
     if (!byHost) { filterRows(tab.node, input.value); return; }
     clearTimeout(tab.searchTimer);
     tab.searchTimer = setTimeout(() => screenGesture(tab, Object.assign(
-      { gesture: 'search', text: input.value }, controlRef(list))), SEARCH_PAUSE_MS);
+      { text: input.value }, tab.hostSearch)), SEARCH_PAUSE_MS);
   });
   input.addEventListener('keydown', (e) => {
     const w = grid();
@@ -1440,6 +1441,11 @@ async function toolbarCommand(tab, cmd) {
       args = [cond];
     }
     const a = await settle(await protocol({ op: 'call', screen: tab.screen, method: cmd, args }), tab);
+    // A command may have reloaded the list: the host's search for the box's text runs again.
+    if (tab.hostSearch && tab.search) {
+      await settle(await protocol(Object.assign({ op: 'gesture', screen: tab.screen, text: tab.search },
+                                                tab.hostSearch)), tab);
+    }
     if (a.ok && a.result !== false) {
       // A list sheet edits in its entry dialog, which is closed by now.
       if ((cmd === 'FileNew' || cmd === 'FileEdit') && !a.dialogShown) tab.editing = true;
