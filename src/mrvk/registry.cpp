@@ -3,13 +3,6 @@
 #include <map>
 #include <mutex>
 
-#include "mrvk/master/pdm_fykm.h"
-#include "mrvk/master/pdm_ly.h"
-#include "mrvk/master/pdm_wy.h"
-#include "mrvk/master/pdm_yz.h"
-#include "mrvk/master/sel_pdm.h"
-#include "mrvk/master/sel_pdm_fy.h"
-
 namespace mrvk {
 
 const std::vector<ClassInfo>& ClassTable() {
@@ -46,25 +39,16 @@ namespace {
 
 struct Factories {
   std::mutex mu;
-  std::map<std::string, ClassFactory, std::less<>> by_name;
+  ClassFactories by_name;
 };
-
-// The module's classes, by the names the host creates them under.
-void RegisterModuleClasses(Factories& f) {
-  f.by_name["PDMLy"] = [] { return NewPDMLy(); };
-  f.by_name["PDMWy"] = [] { return NewPDMWy(); };
-  f.by_name["selPdm"] = [] { return NewSelPdm(); };
-  f.by_name["clsPdm"] = [] { return NewClsPdm(); };
-  f.by_name["selPdmFy"] = [] { return NewSelPdmFy(); };
-  f.by_name["clsFy"] = [] { return NewClsFy(); };
-  f.by_name["PDMYz"] = [] { return NewPDMYz(); };
-  f.by_name["PDMFykm"] = [] { return NewPDMFykm(); };
-}
 
 Factories& Registered() {
   static Factories f;
   static std::once_flag once;
-  std::call_once(once, [] { RegisterModuleClasses(f); });
+  std::call_once(once, [] {
+    RegisterMasterClasses(f.by_name);
+    RegisterHousingClasses(f.by_name);
+  });
   return f;
 }
 
