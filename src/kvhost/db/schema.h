@@ -45,6 +45,13 @@ struct SeedRow {
   int key_columns = 1;
 };
 
+// Rows an earlier version seeded that are gone now (a function moved to another key):
+// deleted before seeding, so a database made by that version is brought up to date.
+struct RetiredRows {
+  std::string_view table;
+  std::string_view where;  // the condition, in the Jet flavour
+};
+
 // The table/key pairs whose keys come from NewID.
 struct KeyDef {
   std::string_view table;
@@ -54,6 +61,7 @@ struct KeyDef {
 const std::vector<TableDef>& Tables();
 const std::vector<IndexDef>& Indexes();
 const std::vector<SeedRow>& SeedRows();
+const std::vector<RetiredRows>& Retired();
 const std::vector<KeyDef>& NewIdKeys();
 
 }  // namespace kvhost::db

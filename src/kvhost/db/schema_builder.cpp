@@ -109,6 +109,13 @@ class Builder {
     if (conn_.dialect() == Dialect::Postgres) {
       if (Status s = Raw(PostgresFunctions()); !s.ok()) return s;
     }
+    for (const RetiredRows& gone : Retired()) {
+      if (Status s = Rewritten(
+              "DELETE FROM " + std::string(gone.table) + " WHERE " + std::string(gone.where),
+              nullptr);
+          !s.ok())
+        return s;
+    }
     for (const SeedRow& row : SeedRows()) {
       if (Status s = Seed(row); !s.ok()) return s;
     }

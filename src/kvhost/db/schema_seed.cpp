@@ -5,6 +5,14 @@
 
 namespace kvhost::db {
 
+const std::vector<RetiredRows>& Retired() {
+  static const std::vector<RetiredRows> rows = {
+      {"xt_menu", "progID=870101"},
+      {"xt_objects", "progID=870101"},
+  };
+  return rows;
+}
+
 const std::vector<SeedRow>& SeedRows() {
   static const std::vector<SeedRow> rows = {
       // The menu: function key, title, group, order within the group.
@@ -14,7 +22,8 @@ const std::vector<SeedRow>& SeedRows() {
       {"xt_menu", "progID, menuname, menugroup, sortno", "870004, '业主信息', '基础资料', 4"},
       {"xt_menu", "progID, menuname, menugroup, sortno", "870005, '客源信息', '基础资料', 5"},
       {"xt_menu", "progID, menuname, menugroup, sortno", "870006, '房源登记', '基础资料', 6"},
-      {"xt_menu", "progID, menuname, menugroup, sortno", "870101, '房源信息', '房源管理', 1"},
+      // The housing sheet's key is 640002: the housing list opens it under that key.
+      {"xt_menu", "progID, menuname, menugroup, sortno", "640002, '房源信息', '房源管理', 1"},
       {"xt_menu", "progID, menuname, menugroup, sortno", "870102, '房源列表', '房源管理', 2"},
       {"xt_menu", "progID, menuname, menugroup, sortno", "870103, '房源信息(整套)', '房源管理', 3"},
       {"xt_menu", "progID, menuname, menugroup, sortno", "870201, '租房合同', '合同管理', 1"},
@@ -52,7 +61,7 @@ const std::vector<SeedRow>& SeedRows() {
       {"xt_objects", "progID, classname, billitem", "870004, 'PDMYz', 0"},
       {"xt_objects", "progID, classname, billitem", "870005, 'PDMYz', 0"},
       {"xt_objects", "progID, classname, billitem", "870006, 'PDMFy', 0"},
-      {"xt_objects", "progID, classname, billitem", "870101, 'FY_MX', 0"},
+      {"xt_objects", "progID, classname, billitem", "640002, 'FY_MX', 0"},
       {"xt_objects", "progID, classname, billitem", "870102, 'FY_List', 0"},
       {"xt_objects", "progID, classname, billitem", "870103, 'FY_MX_old', 0"},
       {"xt_objects", "progID, classname, billitem", "870201, 'zfHd_2', 0"},

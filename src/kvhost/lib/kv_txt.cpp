@@ -49,7 +49,7 @@ bool KvTxt::IsValid() const {
         ok = IsNumberText(text);
         break;
       case FieldKind::Text:
-        ok = !Config.CheckInput || Value.ToDouble() != 0;
+        ok = !Config.CheckInput || Config.FreeText || Value.ToDouble() != 0;
         break;
     }
   }

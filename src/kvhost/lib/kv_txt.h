@@ -29,6 +29,9 @@ struct KvTxtConfig {
   int Style = 0;            // the field's style value (3: a closed list)
   bool ShowButton = false;  // the picker or list button shows
   bool CheckInput = false;  // a typed text is checked when the field is left
+  // A typed text the check does not find is kept as a new entry, which the sheet creates
+  // when it saves ("可直接输入"); such a field is valid without a value.
+  bool FreeText = false;
 };
 
 class KvTxt : public Control {
@@ -58,8 +61,8 @@ class KvTxt : public Control {
   bool IsActive() const;
   // True when what the field holds can be saved: a date field holds a date or nothing, a
   // number field a number or nothing, a bound field that checks typed text a value for its
-  // text. Otherwise the field shows its message (ErrorMessage, or the trimmed caption and
-  // "输入有误，请重新输入！") and answers false.
+  // text (unless it takes free text). Otherwise the field shows its message (ErrorMessage, or the
+  // trimmed caption and "输入有误，请重新输入！") and answers false.
   bool IsValid() const;
 
   // type: Text = text, then Change. leave: a checked field with a changed, non-empty text

@@ -367,10 +367,18 @@ class WebApp::Impl {
     {
       std::lock_guard lock(db_mu_);
       db::ResultSet rs;
-      if (!database_->Query(
-              "select a.progID,a.menuname,a.menugroup,a.sortno,b.classname from xt_menu a "
-              "inner join xt_objects b on a.progID=b.progID order by a.progID",
-              rs)) {
+      // The groups in the order of the road of a rent (a group not listed comes last), the
+      // entries of a group by their order number.
+      std::string group_rank = "case a.menugroup";
+      int rank = 0;
+      for (const char* group :
+           {"基础资料", "房源管理", "合同管理", "收款管理", "报表", "提醒", "查询", "工具"})
+        group_rank += " when '" + std::string(group) + "' then " + std::to_string(++rank);
+      group_rank += " else " + std::to_string(++rank) + " end";
+      if (!database_->Query("select a.progID,a.menuname,a.menugroup,a.sortno,b.classname from "
+                            "xt_menu a inner join xt_objects b on a.progID=b.progID order by " +
+                                group_rank + ",a.sortno,a.progID",
+                            rs)) {
         error = database_->Error().Description();
         return out;
       }

@@ -1,6 +1,7 @@
 #include "mrvk/master/entry_dialog.h"
 
 #include "mrvk/frame/data_access.h"
+#include "mrvk/frame/transaction.h"
 #include "mrvk/frame/vb.h"
 #include "mrvk/master/master_procedures.h"
 
@@ -36,12 +37,10 @@ void EntryDialog::Run(IHostContext& context, int32_t id, bool view_only,
   if (id_ > 0) {
     IHostDatabase& db = context.Database();
     {
-      auto rs = db.CreateCommand("select * from " + table_.table + " where " + table_.key_column +
-                                     "=" + std::to_string(id_),
-                                 1)
-                    ->OpenRecordset();
+      auto rs = db.CreateCommand(RowSql(), 1)->OpenRecordset();
       if (!(rs->Eof() && rs->Bof())) UpdateForm(*rs);
     }
+    guard_.Take(db, {RowSql()});
     db.Release();
   }
   SetEditable(!view_only);
@@ -54,6 +53,11 @@ void EntryDialog::Run(IHostContext& context, int32_t id, bool view_only,
 
 std::string EntryDialog::ColumnText(Recordset& rs, const std::string& column) {
   return convert_->ToText(rs.Fields(column).Value);
+}
+
+std::string EntryDialog::RowSql() const {
+  return "select * from " + table_.table + " where " + table_.key_column + "=" +
+         std::to_string(id_);
 }
 
 void EntryDialog::SetEditable(bool flag) {
@@ -125,8 +129,29 @@ void EntryDialog::DoSave() {
       }
       sql = InsertSql(id);
     }
-    db.CreateCommand(sql, 1)->Execute();
-    const std::string error = db.Error().Description();
+    // The row is written in a bracket that first checks it is still the row shown.
+    Transaction tx(db);
+    std::string error = db.Error().Description();
+    if (tx.Open() && id_ > 0) {
+      switch (guard_.Check(db, table_.table, table_.key_column, id_, {RowSql()}, error)) {
+        case RecordGuard::Outcome::kUnchanged:
+          break;
+        case RecordGuard::Outcome::kChanged:
+          tx.Rollback();
+          db.Release();
+          MsgBox(kChangedByOthers, msgbox::kExclamation, "提示:");
+          return;
+        case RecordGuard::Outcome::kFailed:
+          tx.Rollback();
+          break;
+      }
+    }
+    if (tx.Open()) {
+      db.CreateCommand(sql, 1)->Execute();
+      error = db.Error().Description();
+      if (error.empty() && !tx.Commit()) error = db.Error().Description();
+      tx.Rollback();
+    }
     db.Release();
     if (!error.empty()) {
       MsgBox(error, msgbox::kCritical, "提示:");

@@ -14,6 +14,7 @@
 #include "kvhost/lib/kv_txt.h"
 #include "kvhost/lib/simple_controls.h"
 #include "mrvk/frame/host_contract.h"
+#include "mrvk/frame/record_guard.h"
 
 namespace mrvk {
 
@@ -67,6 +68,8 @@ class EntryDialog : public kvhost::Dialog {
   std::unique_ptr<kvhost::Convert> convert_;
 
  private:
+  // The shown row: "select * from <table> where <key>=<ID>".
+  std::string RowSql() const;
   bool IsCanSave();
   void DoSave();
   void SetEditable(bool flag);
@@ -79,6 +82,7 @@ class EntryDialog : public kvhost::Dialog {
   std::unique_ptr<kvhost::BillData> bill_;
   std::unique_ptr<kvhost::FormTools> tools_;
   int32_t id_ = 0;
+  RecordGuard guard_;  // the row as the dialog showed it
 };
 
 }  // namespace mrvk

@@ -132,6 +132,7 @@ void TreeMasterSheet::UpdateForm() {
       }
     }
   }
+  guard_.Take(db, {RowSql(current_id_)});
   db.Release();
 }
 
@@ -164,6 +165,11 @@ void TreeMasterSheet::ClearFields() {
     field->Value = Variant(0);
   }
   current_id_ = 0;
+}
+
+std::string TreeMasterSheet::RowSql(int32_t id) const {
+  return "select * from " + design_.table + " where " + design_.key_column + "=" +
+         std::to_string(id);
 }
 
 std::string TreeMasterSheet::ScalarText(const std::string& sql) {
@@ -222,6 +228,20 @@ bool TreeMasterSheet::FileSave() {
       db.Release();
       return false;
     }
+    if (current_id_ > 0) {
+      std::string error;
+      const auto outcome = guard_.Check(db, design_.table, design_.key_column, current_id_,
+                                        {RowSql(current_id_)}, error);
+      if (outcome != RecordGuard::Outcome::kUnchanged) {
+        tx.Rollback();
+        db.Release();
+        if (outcome == RecordGuard::Outcome::kChanged)
+          MsgBox(kChangedByOthers, msgbox::kExclamation, "提示：");
+        else
+          ErrMessage("保存数据时出错：" + error, err_level::kDatabase, design_.title);
+        return false;
+      }
+    }
     std::string sql;
     int32_t id = current_id_;
     if (current_id_ > 0) {
@@ -264,6 +284,7 @@ bool TreeMasterSheet::FileSave() {
         SetEditable(false);
         dirty_ = false;
         if (current_id_ < 1) current_id_ = id;
+        guard_.Take(db, {RowSql(current_id_)});
         saved = true;
       } else {
         // The engine refused the commit (an I/O failure) and undid the bracket; the node

@@ -15,6 +15,7 @@
 #include "kvhost/lib/kv_txt.h"
 #include "kvhost/lib/tree_view_control.h"
 #include "mrvk/frame/host_contract.h"
+#include "mrvk/frame/record_guard.h"
 #include "mrvk/frame/tree_view.h"
 
 namespace mrvk {
@@ -121,6 +122,8 @@ class TreeMasterSheet : public ModuleObject, public IFormUI, public IDesignUI {
   void TreeSelected(kvhost::TreeNode* node);
   // The field's text as it goes into a statement: quoted text or a number.
   std::string SqlValue(const MasterField& field);
+  // The row of the table with the ID: what the guard against lost updates compares.
+  std::string RowSql(int32_t id) const;
   // Runs a statement for one value; its text ("" for no row or Null).
   std::string ScalarText(const std::string& sql);
 
@@ -135,6 +138,7 @@ class TreeMasterSheet : public ModuleObject, public IFormUI, public IDesignUI {
   int32_t current_id_ = 0;
   std::string find_text_;
   bool dirty_ = false;
+  RecordGuard guard_;  // the row as it was shown
 };
 
 }  // namespace mrvk

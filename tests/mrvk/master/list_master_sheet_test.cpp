@@ -207,6 +207,18 @@ TEST_P(ListMasterSheetTest, EditShowsTheRowAndSavesItInPlaceKeepingItsOwnCodeAnd
   ASSERT_TRUE(Call("FileEdit"));
   EXPECT_EQ(Reports(), (std::vector<std::string>{"编号重复,请检查!|2|提示："}));
   EXPECT_EQ(Scalar("select 业主编号 from fwyz where 业主ID=1"), "Y01");
+
+  // Another clerk saves the row while this dialog shows it: this save is refused, theirs
+  // stands.
+  host().ui().dialogs.push_back([this](Dialog& d) {
+    Exec("update fwyz set 电话='999' where 业主ID=1");
+    for (const Step& s : {TypeIn(2, "111"), Save(), Close()})
+      EXPECT_TRUE(host().gesture(d.Controls(), d.Name(), s.control, s.index, s.gesture).ok());
+  });
+  host().ui().answers.push_back(msgbox::kOk);
+  ASSERT_TRUE(Call("FileEdit"));
+  EXPECT_EQ(LastBox(), std::string(kChangedByOthers) + "|48|提示:");
+  EXPECT_EQ(Scalar("select 电话 from fwyz where 业主ID=1"), "999");
 }
 
 TEST_P(ListMasterSheetTest, DeleteAsksThenRefusesOwnersOfHousingButNotClientsWithContracts) {

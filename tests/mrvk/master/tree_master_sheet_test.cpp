@@ -149,6 +149,15 @@ TEST_P(TreeMasterSheetTest, CodesAndNamesMustBeGivenAndUnique) {
   EXPECT_EQ(Text(1), "壹号楼");
   EXPECT_FALSE(sheet_->IsDirty());
   EXPECT_TRUE(sheet_->TV.Enabled);
+  // A save over another clerk's save of the same row in between is refused.
+  Call("FileEdit");
+  Exec("update fwly set 位置='西区' where 楼宇ID=1");
+  Type(6, "北区");
+  host().ui().answers.push_back(msgbox::kOk);
+  EXPECT_FALSE(Call("FileSave"));
+  EXPECT_EQ(LastBox(), std::string(kChangedByOthers) + "|48|提示：");
+  EXPECT_EQ(Scalar("select 位置 from fwly where 楼宇ID=1"), "西区");
+  EXPECT_FALSE(sheet_->TV.Enabled);  // still editing, as typed
 }
 
 TEST_P(TreeMasterSheetTest, AFailingKeySourceRollsTheSaveBackBeforeTheSheetReportsIt) {
