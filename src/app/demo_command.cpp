@@ -64,7 +64,7 @@ class DemoWriter {
            Step("buildings", buildings, [&](int i) { return Building(i); }) &&
            Step("owners", owners, [&](int i) { return Party(i, /*client=*/false); }) &&
            Step("clients", clients, [&](int i) { return Party(i, /*client=*/true); }) &&
-           Step("housing units", units, [&](int i) { return Unit(i); });
+           Step("housing units", units, [&](int i) { return Unit(i); }) && Rooms();
   }
 
   const std::string& error() const { return error_; }
@@ -181,6 +181,59 @@ class DemoWriter {
         Pick(kEmployers) + "',''," + (client ? "1" : "0") + ",'" + Pick(kDistricts) + "','')");
   }
 
+  // One unit in five is let by room: two to four rooms, entered on the housing sheet and
+  // saved by it, as a clerk does.
+  bool Rooms() {
+    std::vector<size_t> shared;
+    for (size_t k = 4; k < unit_ids_.size(); k += 5) shared.push_back(k);
+    size_t done = 0;
+    size_t next_report = shared.size() / 10;
+    for (size_t k : shared) {
+      if (!UnitRooms(unit_ids_[k], unit_areas_[k], unit_rents_[k])) {
+        error_ = "rooms: " + error_;
+        return false;
+      }
+      if (++done >= next_report && shared.size() >= 10) {
+        out_ << "rooms " << done << "/" << shared.size() << "\n" << std::flush;
+        next_report += shared.size() / 10;
+      }
+    }
+    out_ << "rooms done: " << done << " units\n" << std::flush;
+    return true;
+  }
+
+  bool UnitRooms(int32_t unit_id, int area, int rent) {
+    kvhost::Screen* sheet = host_.open("FY_MX", 640002, unit_id);
+    if (!sheet) {
+      error_ = host_.last_error();
+      return false;
+    }
+    const int rooms = Between(2, 4);
+    mrvk::Variant result;
+    // Opened on the unit, the sheet shows it already.
+    bool ok = host_.invoke(*sheet, "FileEdit", {}, result).ok() && result.AsBool();
+    for (int r = 0; ok && r < rooms; ++r) {
+      const int row = r + 1;
+      const std::string room = std::string(1, static_cast<char>('A' + r));
+      const std::string room_area = std::to_string(area / rooms);
+      const std::string room_rent = std::to_string(rent / rooms / 10 * 10);
+      ok = host_.gesture(*sheet, "kvGridF", -1, {"row_add"}).ok() &&
+           host_.gesture(*sheet, "kvGridF", -1, {"cell_edit", room, row, 1}).ok() &&
+           host_.gesture(*sheet, "kvGridF", -1, {"cell_edit", room_area, row, 2}).ok() &&
+           host_.gesture(*sheet, "kvGridF", -1, {"cell_edit", room_rent, row, 3}).ok();
+    }
+    ok = ok && host_.invoke(*sheet, "FileSave", {}, result).ok() && result.AsBool();
+    if (!ok) {
+      error_ = "the housing sheet did not save unit " + std::to_string(unit_id);
+      for (const kvhost::HostEvent& e : host_.take_events())
+        if (e.event.name == "ErrMessage") error_ += ": " + e.event.args[0].ToString();
+      if (!host_.ui().shown.empty()) error_ += ": " + host_.ui().shown.back().prompt;
+    }
+    host_.take_events();
+    (void)host_.close(sheet->id);
+    return ok;
+  }
+
   bool Unit(int i) {
     int32_t id = 0;
     if (!Key("fwfy", "房源ID", id)) return false;
@@ -192,6 +245,10 @@ class DemoWriter {
     const int slot = static_cast<int>(((i - 1) / building_ids_.size()) % 4) + 1;
     const std::string room = std::to_string(floor * 100 + slot);
     const int area = Between(40, 140);
+    const int rent = area * Between(20, 45);
+    unit_ids_.push_back(id);
+    unit_areas_.push_back(area);
+    unit_rents_.push_back(rent);
     const std::string name = building_names_[building] + room + "室";
     return Exec(
         "insert into fwfy "
@@ -203,7 +260,7 @@ class DemoWriter {
         std::to_string(Between(10, 28)) + "#,'住宅','高层住宅','" + Pick(kFacings) + "','" +
         Pick(kLayouts) + "','" + Pick(kStructures) + "','" + Pick(kFitOuts) + "','" +
         std::to_string(floor) + "','" + std::to_string(floors) + "'," + std::to_string(area) + "," +
-        std::to_string(area * Between(20, 45)) + ",'未出租'," +
+        std::to_string(rent) + ",'未出租'," +
         std::to_string(owner_ids_[rng_() % owner_ids_.size()]) + "," +
         mrvk::SqlQuoted(Pick(kDistricts) + name) + ")");
   }
@@ -213,7 +270,8 @@ class DemoWriter {
   std::ostream& out_;
   kvhost::BillData bill_;
   std::string error_;
-  std::vector<int32_t> estate_ids_, building_ids_, owner_ids_;
+  std::vector<int32_t> estate_ids_, building_ids_, owner_ids_, unit_ids_;
+  std::vector<int> unit_areas_, unit_rents_;
   std::vector<size_t> building_estates_;
   std::vector<std::string> estate_names_, building_names_;
 };

@@ -36,6 +36,13 @@ TEST_P(DemoCommandTest, FillsAnEmptyDatabaseWithRowsThatReferToEachOther) {
                    "A.物业ID=B.物业ID inner join fwyz C on A.业主ID=C.业主ID and C.类型=0"),
             "400");
   EXPECT_EQ(Scalar("select count(distinct 房源编号) from fwfy"), "400");
+  // One unit in five has two to four rooms, entered through the housing sheet.
+  EXPECT_NE(text.find("rooms done: 80 units"), std::string::npos) << text;
+  EXPECT_EQ(Scalar("select count(distinct 房源ID) from fwfy_fz"), "80");
+  EXPECT_EQ(
+      Scalar("select count(*) from fwfy_fz where 是否出租<>0 or 房间号 not in ('A','B','C','D') "
+             "or 月租金<=0"),
+      "0");
   // Keys come from the key source, so the next key a sheet takes is free.
   kvhost::BillData bill;
   bill.Database(&db());

@@ -39,6 +39,12 @@ void GridControl::SetRows(int rows) {
   row_ = std::clamp(row_, 0, std::max(rows - 1, 0));
 }
 
+void GridControl::RemoveItem(int row) {
+  GridRowAt(row);
+  rows_.erase(rows_.begin() + row);
+  row_ = std::clamp(row_, 0, std::max(Rows() - 1, 0));
+}
+
 void GridControl::SetCols(int cols) {
   cols = std::max(cols, 0);
   columns_.resize(static_cast<size_t>(cols));
@@ -326,6 +332,7 @@ void GridControl::WriteOwnState(nlohmann::json& out) const {
     for (int c = 0; c < Cols(); ++c) texts.push_back(StateText(r, c));
     nlohmann::json entry = {{"row", r}, {"text", std::move(texts)}};
     if (row.height != kDefaultRowHeight) entry["height"] = row.height;
+    if (row.locked) entry["locked"] = true;
     if (row.merge) entry["merge"] = true;
     if (row.subtotal != kDataRow) entry["subtotal"] = row.subtotal;
     nlohmann::json styles = nlohmann::json::array();

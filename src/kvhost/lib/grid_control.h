@@ -93,6 +93,8 @@ class GridControl : public Control {
   int Rows() const { return static_cast<int>(rows_.size()); }
   // New rows are empty; rows beyond the new count are dropped.
   void SetRows(int rows);
+  // Removes data row `row`; the rows below move up, Row stays on a row that is there.
+  void RemoveItem(int row);
   int Cols() const { return static_cast<int>(columns_.size()); }
   // New columns are empty with the default width; columns beyond the new count are dropped.
   void SetCols(int cols);
@@ -198,6 +200,7 @@ class GridControl : public Control {
     int height = kDefaultRowHeight;
     bool merge = false;
     int subtotal = kDataRow;  // the group column of a subtotal row, -1 for the grand total
+    bool locked = false;      // the detail grid's row that takes no edit
   };
 
   GridColumn& ColumnAt(int col);

@@ -34,6 +34,13 @@ class KvGrid : public GridControl {
 
   // Edits are taken only while the grid is editable; sheets set it with their edit mode.
   bool Editable = false;
+  // Whether a person may add rows at the end and delete rows (while Editable).
+  bool AllowUserAdd = true;
+  bool AllowUserDelete = true;
+
+  // A row that takes no edit (a let room); the flag moves with the row.
+  bool& RowLocked(int row) { return GridRowAt(row).locked; }
+  bool RowLocked(int row) const { return GridRowAt(row).locked; }
 
   // The descriptor of a column; throws like any grid member for a column that is not there.
   KvGridColumn& Column(int col);
@@ -49,14 +56,26 @@ class KvGrid : public GridControl {
   std::function<void(int row, int col)> AfterEdit;
   std::function<void(int row, int col)> CellClick;
   std::function<void(int row, int col)> DblClick;
+  // The current cell moved by a person's gesture (from old to new).
+  std::function<void(int old_row, int old_col, int new_row, int new_col)> AfterRowColChange;
+  // A row was added at the end by row_add.
+  std::function<void(int row)> AfterRowAdd;
+  // Before row_delete removes a row (after the grid's own question): the handler may refuse
+  // (set cancel; it says why itself).
+  std::function<void(int row, bool& cancel)> BeforeDeleteRow;
+  std::function<void(int row)> AfterDeleteRow;
 
   // cell_edit (row, col, text): refused with the reason, changing nothing, when the grid is
   // hidden, disabled, locked or not Editable, the cell is in a fixed row or a read-only
   // column, or the text does not fit the column's kind. Otherwise Row and Col move there,
   // BeforeEdit runs, and unless it cancels the text goes into the cell and AfterEdit runs.
-  // cell_click and cell_dblclick (row, col): Row and Col move there, then CellClick or
-  // DblClick; they work also while the grid is not editable. col_width (col, text): the
-  // person sizes or hides a column, also while the grid is locked.
+  // A locked row refuses edits too. cell_click and cell_dblclick (row, col): Row and Col move
+  // there, then CellClick or DblClick; they work also while the grid is not editable.
+  // col_width (col, text): the person sizes or hides a column, also while the grid is
+  // locked. row_add: (Editable, AllowUserAdd) an empty row at the end becomes current, then
+  // AfterRowAdd. row_delete (row): (Editable, AllowUserDelete, a data row) the grid asks
+  // "是否删除当前行？" (yes/no, title "提示"); on yes BeforeDeleteRow may refuse, else the
+  // row goes and AfterDeleteRow runs. Moves of the current cell raise AfterRowColChange.
   std::string Apply(const Gesture& gesture) override;
 
  protected:
@@ -66,6 +85,10 @@ class KvGrid : public GridControl {
 
  private:
   std::string Edit(const Gesture& gesture);
+  std::string AddRow();
+  std::string DeleteRow(const Gesture& gesture);
+  // Row and Col to (row, col), raising AfterRowColChange when they moved.
+  void MoveTo(int row, int col);
   std::vector<KvGridColumn> columns_ = std::vector<KvGridColumn>(2);
 };
 
