@@ -89,12 +89,19 @@ const char* DictionaryType(int index) {
 
 }  // namespace
 
-FY_MX::FY_MX() : DocumentSheet(DocumentDesign{kTag, "fwfy", "房源ID", kSelect}) {
-  controls_.Add(Toolbar1);
-  Toolbar1.AddButton("基础信息", "房源基本信息");
-  Toolbar1.AddButton("", "");
-  Toolbar1.AddButton("辅助信息", "");
-  Toolbar1.ButtonClick = [this](int index) { ShowPage(index); };
+FY_MX::FY_MX(bool with_rooms)
+    : DocumentSheet(DocumentDesign{with_rooms ? kTag : "FY_MX_old", "fwfy", "房源ID", kSelect}),
+      with_rooms_(with_rooms) {
+  // The page of the fields: PicJB beside the rooms' page, or the one frame of the sheet
+  // without rooms.
+  const std::string page = with_rooms ? "PicJB" : "FraFY";
+  if (with_rooms_) {
+    controls_.Add(Toolbar1);
+    Toolbar1.AddButton("基础信息", "房源基本信息");
+    Toolbar1.AddButton("", "");
+    Toolbar1.AddButton("辅助信息", "");
+    Toolbar1.ButtonClick = [this](int index) { ShowPage(index); };
+  }
   controls_.Add(lblRecord);
   lblRecord.Caption = "记录：0/0";
   controls_.Add(Lab_Status);
@@ -105,11 +112,17 @@ FY_MX::FY_MX() : DocumentSheet(DocumentDesign{kTag, "fwfy", "房源ID", kSelect}
   controls_.Add(Chk);
   Chk.Caption = "引用数据(&H)";
 
-  controls_.Add(PicJB);
-  const auto add_field = [this](const FieldDef& f) {
+  if (with_rooms_) {
+    controls_.Add(PicJB);
+  } else {
+    FraFY.Caption = "房源详细信息";
+    controls_.Add(FraFY);
+  }
+  const auto add_field = [this, &page](const FieldDef& f) {
+    if (!with_rooms_ && f.index == 29) return;
     kvhost::KvTxt& field = kvTxt.Add(controls_, f.index);
     field.Caption = f.caption;
-    field.Container = f.frame;
+    field.Container = std::string(f.frame) == "PicJB" ? page : f.frame;
     if (f.kind == Kind::Number) field.Kind = kvhost::FieldKind::Number;
     if (f.kind == Kind::Date) field.Kind = kvhost::FieldKind::Date;
     field.Change = [this] { dirty_ = true; };
@@ -119,7 +132,7 @@ FY_MX::FY_MX() : DocumentSheet(DocumentDesign{kTag, "fwfy", "房源ID", kSelect}
   for (auto [frame, caption] : {std::pair{&FraJC, "基础设施"}, std::pair{&FraPT, "配套设施"},
                                 std::pair{&FraYZ, "业主详细信息(可直接输入)"}}) {
     frame->Caption = caption;
-    frame->Container = "PicJB";
+    if (with_rooms_) frame->Container = "PicJB";
   }
   controls_.Add(FraJC);
   for (size_t i = 0; i < kBasic.size(); ++i) {
@@ -148,6 +161,7 @@ FY_MX::FY_MX() : DocumentSheet(DocumentDesign{kTag, "fwfy", "房源ID", kSelect}
   }
   kvhost::OptionButton::SetGroup({&optXB[0], &optXB[1]});
 
+  if (!with_rooms_) return;
   controls_.Add(PicFZ);
   rooms.AddTo(controls_, "PicFZ");
   rooms.kvGridF.AfterEdit = [this](int, int) { dirty_ = true; };
@@ -155,18 +169,23 @@ FY_MX::FY_MX() : DocumentSheet(DocumentDesign{kTag, "fwfy", "房源ID", kSelect}
 }
 
 void FY_MX::InitForm() {
-  PicJB.Visible = true;
-  PicFZ.Visible = false;
-  Toolbar1.SetPressed(1);
   InitBaseValue();
-  rooms.InitVsControl(*context_, [this](const std::string& text) {
-    ErrMessage(text, err_level::kValidation, kApplicationTitle);
-  });
+  if (with_rooms_) {
+    PicJB.Visible = true;
+    PicFZ.Visible = false;
+    Toolbar1.SetPressed(1);
+    rooms.InitVsControl(*context_, [this](const std::string& text) {
+      ErrMessage(text, err_level::kValidation, kApplicationTitle);
+    });
+  } else {
+    Lab_Status.Visible = false;
+  }
   SetEnabled(false);
 }
 
 void FY_MX::InitBaseValue() {
   for (int index : {1, 3, 4, 5, 6, 7, 9, 15, 19, 29}) {
+    if (!kvTxt.Exists(index)) continue;
     kvhost::KvTxt& field = kvTxt[index];
     field.Config.ShowButton = true;
     field.Config.CheckInput = true;
@@ -293,7 +312,7 @@ void FY_MX::ClearForm() {
   for (auto* boxes : {&chkJC, &chkPT})
     for (auto& [index, box] : *boxes) box->Value = 0;
   Chk.Value = 0;
-  rooms.ClearGrids();
+  if (with_rooms_) rooms.ClearGrids();
   lblRecord.Caption = "记录：0/0";
 }
 
@@ -301,6 +320,7 @@ void FY_MX::UpdateForm(Recordset& rs, const std::string& position) {
   current_id_ = convert_->ToLong(rs.Fields("房源ID").Value);
   previous_id_ = current_id_;
   for (const FieldDef& f : Fields()) {
+    if (!kvTxt.Exists(f.index)) continue;
     kvhost::KvTxt& field = kvTxt[f.index];
     const Variant& v = rs.Fields(f.column).Value;
     switch (f.kind) {
@@ -325,6 +345,7 @@ void FY_MX::UpdateForm(Recordset& rs, const std::string& position) {
   SetSets(convert_->ToText(rs.Fields("基础设施").Value),
           convert_->ToText(rs.Fields("配套设施").Value));
   lblRecord.Caption = "记录：" + (position.empty() ? std::string("0/0") : position);
+  if (!with_rooms_) return;
   Lab_Status.Caption = convert_->ToText(rs.Fields("出租状态").Value);
   Lab_Status.Visible = true;
   rooms.Load(*context_, current_id_, [this](const std::string& error) {
@@ -334,8 +355,9 @@ void FY_MX::UpdateForm(Recordset& rs, const std::string& position) {
 
 std::vector<std::string> FY_MX::RecordStatements(int32_t id) const {
   std::vector<std::string> statements = DocumentSheet::RecordStatements(id);
-  statements.push_back("select * from fwfy_fz where 房源ID=" + std::to_string(id) +
-                       " order by AutoID");
+  if (with_rooms_)
+    statements.push_back("select * from fwfy_fz where 房源ID=" + std::to_string(id) +
+                         " order by AutoID");
   return statements;
 }
 
@@ -346,7 +368,7 @@ void FY_MX::SetEnabled(bool editing) {
     if (type == "TextBox" || type == "kvTxt_S" || type == "ComboBox") c->Locked = !editing;
     if (type == "CheckBox" || type == "OptionButton") c->Enabled = editing;
   }
-  rooms.SetEditable(editing);
+  if (with_rooms_) rooms.SetEditable(editing);
   Chk.Enabled = !editing;
 }
 
@@ -372,7 +394,7 @@ bool FY_MX::FileNew() {
     previous_id_ = current_id_;
     current_id_ = 0;
     kvTxt[2].Text = "";
-    rooms.ClearGrids();
+    if (with_rooms_) rooms.ClearGrids();
   } else {
     ClearForm();
   }
@@ -395,7 +417,7 @@ bool FY_MX::FileEdit() {
     return false;
   }
   SetEnabled(true);
-  rooms.ForgetDeletions();
+  if (with_rooms_) rooms.ForgetDeletions();
   dirty_ = false;
   Message("正在修改单据中...");
   tools_->SetFocus(kvTxt[0]);
@@ -493,11 +515,12 @@ bool FY_MX::SavePDM() {
                      "," + SqlQuoted(kvTxt[23].Text) + "," + SqlQuoted(kvTxt[21].Text) + "," +
                      SqlQuoted(kvTxt[22].Text) + "," + SqlQuoted(kvTxt[24].Text) + ",0)"))
       return false;
-  } else if (!SavePdmStep(" update fwyz    set  性别=" + SqlQuoted(sex) + ",身份证号=" +
-                          SqlQuoted(kvTxt[23].Text) + ",工作单位=" + SqlQuoted(kvTxt[21].Text) +
-                          ",籍贯=" + SqlQuoted(kvTxt[22].Text) +
-                          ",备注=" + SqlQuoted(kvTxt[24].Text) +
-                          "   where 业主ID=" + std::to_string(owner_id))) {
+  } else if (with_rooms_ && !SavePdmStep(" update fwyz    set  性别=" + SqlQuoted(sex) +
+                                         ",身份证号=" + SqlQuoted(kvTxt[23].Text) +
+                                         ",工作单位=" + SqlQuoted(kvTxt[21].Text) +
+                                         ",籍贯=" + SqlQuoted(kvTxt[22].Text) +
+                                         ",备注=" + SqlQuoted(kvTxt[24].Text) +
+                                         "   where 业主ID=" + std::to_string(owner_id))) {
     return false;
   }
   kvTxt[19].Value = Variant(owner_id);
@@ -575,30 +598,31 @@ bool FY_MX::FileSave() {
                                  : "Null";
     std::string sql;
     if (!is_new) {
-      sql = " UPDATE FWFY  SET 房源编号=" + TextOf(2) + ",装修程度=" + TextOf(29) +
-            ",物业ID=" + ValueOf(1) + ",房源名称=" + TextOf(0) + ",所属区域=" + TextOf(3) +
-            ",登记日期=" + date + ",物业用途=" + TextOf(4) + ",楼宇类型=" + TextOf(5) +
-            ",出租状态=" + TextOf(28) + ",朝向=" + TextOf(6) + ",户型=" + TextOf(9) +
-            ",业务员ID=" + ValueOf(15) + ",楼层=" + TextOf(10) + ",总楼层=" + TextOf(11) +
-            ",建筑年份=" + TextOf(14) + ",结构=" + TextOf(7) + ",面积=" + NumberOf(8) +
-            ",架空层面积=" + NumberOf(12) + ",车库面积=" + NumberOf(13) +
-            ",出租价格=" + NumberOf(25) + ",出租说明=" + TextOf(26) +
+      sql = " UPDATE FWFY  SET 房源编号=" + TextOf(2) +
+            (with_rooms_ ? ",装修程度=" + TextOf(29) : std::string()) + ",物业ID=" + ValueOf(1) +
+            ",房源名称=" + TextOf(0) + ",所属区域=" + TextOf(3) + ",登记日期=" + date +
+            ",物业用途=" + TextOf(4) + ",楼宇类型=" + TextOf(5) + ",出租状态=" + TextOf(28) +
+            ",朝向=" + TextOf(6) + ",户型=" + TextOf(9) + ",业务员ID=" + ValueOf(15) +
+            ",楼层=" + TextOf(10) + ",总楼层=" + TextOf(11) + ",建筑年份=" + TextOf(14) +
+            ",结构=" + TextOf(7) + ",面积=" + NumberOf(8) + ",架空层面积=" + NumberOf(12) +
+            ",车库面积=" + NumberOf(13) + ",出租价格=" + NumberOf(25) + ",出租说明=" + TextOf(26) +
             ",基础设施其他=" + TextOf(17) + ",配套设施其他=" + TextOf(18) +
             ",业主ID=" + ValueOf(19) + ",具体地址=" + TextOf(27) + ",基础设施=" + SqlQuoted(basic) +
             ",配套设施=" + SqlQuoted(furnishing) + "  WHERE 房源ID=" + std::to_string(id);
     } else {
       sql =
-          " INSERT INTO fwfy ( 装修程度,房源ID,出租状态,房源编号,物业ID,房源名称,所属区域,登记日期,"
+          std::string(" INSERT INTO fwfy ( ") + (with_rooms_ ? "装修程度," : "") +
+          "房源ID,出租状态,房源编号,物业ID,房源名称,所属区域,登记日期,"
           "物业用途,楼宇类型,朝向,户型,业务员ID,楼层,总楼层,建筑年份,结构,面积,架空层面积,车库面积,"
           "出租价格,出租说明,基础设施其他,配套设施其他,业主ID,具体地址,基础设施,配套设施 ) VALUES "
           "(" +
-          TextOf(29) + "," + std::to_string(id) + "," + TextOf(28) + "," + TextOf(2) + "," +
-          ValueOf(1) + "," + TextOf(0) + "," + TextOf(3) + "," + date + "," + TextOf(4) + "," +
-          TextOf(5) + "," + TextOf(6) + "," + TextOf(9) + "," + ValueOf(15) + "," + TextOf(10) +
-          "," + TextOf(11) + "," + TextOf(14) + "," + TextOf(7) + "," + NumberOf(8) + "," +
-          NumberOf(12) + "," + NumberOf(13) + "," + NumberOf(25) + "," + TextOf(26) + "," +
-          TextOf(17) + "," + TextOf(18) + "," + ValueOf(19) + "," + TextOf(27) + "," +
-          SqlQuoted(basic) + "," + SqlQuoted(furnishing) + ")";
+          (with_rooms_ ? TextOf(29) + "," : std::string()) + std::to_string(id) + "," + TextOf(28) +
+          "," + TextOf(2) + "," + ValueOf(1) + "," + TextOf(0) + "," + TextOf(3) + "," + date +
+          "," + TextOf(4) + "," + TextOf(5) + "," + TextOf(6) + "," + TextOf(9) + "," +
+          ValueOf(15) + "," + TextOf(10) + "," + TextOf(11) + "," + TextOf(14) + "," + TextOf(7) +
+          "," + NumberOf(8) + "," + NumberOf(12) + "," + NumberOf(13) + "," + NumberOf(25) + "," +
+          TextOf(26) + "," + TextOf(17) + "," + TextOf(18) + "," + ValueOf(19) + "," + TextOf(27) +
+          "," + SqlQuoted(basic) + "," + SqlQuoted(furnishing) + ")";
     }
     if (!Run(sql)) {
       tx.Rollback();
@@ -607,7 +631,7 @@ bool FY_MX::FileSave() {
     }
     // 13: the rooms.
     std::string rooms_error;
-    if (!rooms.Save(*context_, *bill_, id, rooms_error)) {
+    if (with_rooms_ && !rooms.Save(*context_, *bill_, id, rooms_error)) {
       last_error_ = rooms_error;
       tx.Rollback();
       ErrMessage("保存时出错：" + rooms_error, err_level::kDatabase, kApplicationTitle);
@@ -693,6 +717,7 @@ bool FY_MX::DoSetStatus(const std::string& status, bool) {
 
 // The layout file keeps the room grids' column widths only: the fields show records.
 void FY_MX::DoGetFormStatus() {
+  if (!with_rooms_) return;
   kvhost::ControlList grids;
   grids.Add(rooms.kvGridF);
   grids.Add(rooms.kvGridZ);
@@ -700,6 +725,7 @@ void FY_MX::DoGetFormStatus() {
 }
 
 void FY_MX::DoSaveFormStatus() {
+  if (!with_rooms_) return;
   kvhost::ControlList grids;
   grids.Add(rooms.kvGridF);
   grids.Add(rooms.kvGridZ);
@@ -717,5 +743,7 @@ std::vector<SearchField> FY_MX::SearchFields() {
 }
 
 std::unique_ptr<ModuleObject> NewFY_MX() { return std::make_unique<FY_MX>(); }
+
+std::unique_ptr<ModuleObject> NewFY_MX_old() { return std::make_unique<FY_MX_old>(); }
 
 }  // namespace mrvk

@@ -23,7 +23,7 @@ namespace mrvk {
 
 class FY_MX : public DocumentSheet {
  public:
-  FY_MX();
+  FY_MX() : FY_MX(/*with_rooms=*/true) {}
 
   std::string ClassName() const override { return "FY_MX"; }
 
@@ -47,6 +47,7 @@ class FY_MX : public DocumentSheet {
   kvhost::Frame FraJC{"FraJC"};  // 基础设施
   kvhost::Frame FraPT{"FraPT"};  // 配套设施
   kvhost::Frame FraYZ{"FraYZ"};  // 业主详细信息(可直接输入)
+  kvhost::Frame FraFY{"FraFY"};  // 房源详细信息, the one page of the sheet without rooms
   kvhost::ControlArray<kvhost::KvTxt> kvTxt{"kvTxt"};
   kvhost::ControlArray<kvhost::OptionButton> optXB{"optXB"};
   kvhost::ControlArray<kvhost::CheckBox> chkJC{"chkJC"};
@@ -58,6 +59,10 @@ class FY_MX : public DocumentSheet {
   FyRooms rooms;
 
  protected:
+  // with_rooms false: the sheet of units let whole (FY_MX_old): one page, no rooms, no
+  // 装修程度, a known owner's details not updated.
+  explicit FY_MX(bool with_rooms);
+
   void InitForm() override;
   void ClearForm() override;
   void UpdateForm(Recordset& rs, const std::string& position) override;
@@ -87,8 +92,20 @@ class FY_MX : public DocumentSheet {
   std::string TextOf(int index) const;
   std::string NumberOf(int index) const;
   std::string ValueOf(int index) const;
+
+  const bool with_rooms_;
+};
+
+// FY_MX_old: the housing sheet for units let whole, on one page ("房源详细信息"), without
+// rooms and 装修程度; it answers "check" to Attributes(98).
+class FY_MX_old : public FY_MX {
+ public:
+  FY_MX_old() : FY_MX(/*with_rooms=*/false) {}
+  std::string ClassName() const override { return "FY_MX_old"; }
+  std::string Attributes(int32_t key) override { return key == 98 ? "check" : ""; }
 };
 
 std::unique_ptr<ModuleObject> NewFY_MX();
+std::unique_ptr<ModuleObject> NewFY_MX_old();
 
 }  // namespace mrvk

@@ -1,4 +1,5 @@
-// The housing register family: the housing sheet with its rooms and the housing picker.
+// The housing register family: the housing sheets (with rooms, and for units let whole) and
+// the housing picker.
 #include "mrvk/housing/fy_mx.h"
 #include "mrvk/registry.h"
 
@@ -6,6 +7,7 @@ namespace mrvk {
 
 void RegisterHousingClasses(ClassFactories& f) {
   f["FY_MX"] = [] { return NewFY_MX(); };
+  f["FY_MX_old"] = [] { return NewFY_MX_old(); };
 }
 
 }  // namespace mrvk

@@ -270,6 +270,40 @@ TEST_P(FyMxTest, NavigationFindAndFilterMoveOverTheUnits) {
   EXPECT_EQ(Text(2), "F-001");
 }
 
+TEST_P(FyMxTest, TheSheetForUnitsLetWholeLeavesRoomsFitOutAndKnownOwnersAlone) {
+  Exec("insert into fwwy (物业ID,物业编号,物业名称) values (1,'W1','翠竹苑')");
+  Exec(
+      "insert into fwyz (业主ID,业主编号,业主名称,电话,身份证号,类型) values "
+      "(2,'Y2','李四','137','1',0)");
+  Exec(
+      "insert into fwfy (房源ID,房源编号,房源名称,物业ID,业主ID,装修程度) values "
+      "(7,'F-007','七号',1,2,'精装')");
+  Exec("insert into fwfy_fz (AutoID,房源ID,房间号,面积,月租金,是否出租) values (1,7,'A',10,500,0)");
+  ASSERT_TRUE(host().create_schema().ok());
+  ASSERT_NE(OpenScreen("FY_MX_old", 870103), nullptr);
+  auto* sheet = dynamic_cast<FY_MX*>(screen_->object.get());
+  ASSERT_NE(sheet, nullptr);
+  EXPECT_FALSE(sheet->kvTxt.Exists(29));
+  EXPECT_EQ(sheet->Controls().Find("kvGridF"), nullptr);
+  mrvk::Variant answer;
+  ASSERT_TRUE(host().invoke(*screen_, "Attributes", {Variant(98)}, answer).ok());
+  EXPECT_EQ(answer.ToString(), "check");
+  ASSERT_TRUE(Call("RecordTop"));
+  ASSERT_TRUE(Call("FileEdit"));
+  Gest("kvTxt", 0, {"type", "七号甲"});
+  Gest("kvTxt", 23, {"type", "2"});  // a known owner's details are not stored here
+  ASSERT_TRUE(Call("FileSave")) << ::testing::PrintToString(TakeReports(false));
+  EXPECT_EQ(Query("select 房源名称,装修程度 from fwfy"), (std::vector<std::string>{"七号甲|精装"}));
+  EXPECT_EQ(Query("select 房间号 from fwfy_fz"), (std::vector<std::string>{"A"}));
+  EXPECT_EQ(Query("select 身份证号 from fwyz"), (std::vector<std::string>{"1"}));
+  // Another telephone makes another party: name and telephone together no longer match.
+  ASSERT_TRUE(Call("FileEdit"));
+  Gest("kvTxt", 20, {"type", "138"});
+  ASSERT_TRUE(Call("FileSave"));
+  EXPECT_EQ(Query("select 业主名称,电话 from fwyz order by 业主ID"),
+            (std::vector<std::string>{"李四|137", "李四|138"}));
+}
+
 MRVK_ON_BOTH_ENGINES(FyMxTest);
 
 }  // namespace
