@@ -255,6 +255,9 @@ const std::vector<IndexDef>& Indexes() {
       {"fwyz", "业主名称"},
       {"pdmsjzd", "类型, 代码"},
       {"fwfy", "房源编号"},
+      // The key again: SQLite counts a sheet's position ("n/total", key <= the record's) in
+      // this narrow index instead of the table's wide rows.
+      {"fwfy", "房源ID"},
       {"fwfy", "物业ID"},
       {"fwfy", "楼宇ID"},
       {"fwfy", "业主ID"},

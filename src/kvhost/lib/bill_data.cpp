@@ -42,9 +42,10 @@ mrvk::Variant BillData::OpenOne(std::string& position, std::unique_ptr<mrvk::Rec
   if (!db_->Error().Description().empty()) return mrvk::Variant(db_->Error().Description());
   if (rs->Eof()) return mrvk::Variant::Null();
   const std::string found = rs->Fields(key).Value.ToString();
-  const std::string total = mrvk::ScalarText(*db_, "select count(*)" + from + Where(filter, ""));
+  const std::string counted = count_sql_.empty() ? from : " from (" + count_sql_ + ") q";
+  const std::string total = mrvk::ScalarText(*db_, "select count(*)" + counted + Where(filter, ""));
   const std::string before =
-      mrvk::ScalarText(*db_, "select count(*)" + from + Where(filter, key + "<=" + found));
+      mrvk::ScalarText(*db_, "select count(*)" + counted + Where(filter, key + "<=" + found));
   if (!db_->Error().Description().empty()) return mrvk::Variant(db_->Error().Description());
   position = before + "/" + total;
   return mrvk::Variant(std::string());

@@ -21,6 +21,12 @@ class BillData : public mrvk::IHostBillData {
                        const std::string& find_text, const std::string& key_column) override;
   std::string DateText(const std::string& date_text) override;
 
+  // The statement whose rows the position ("n/total") of the next Navigate and Locate calls
+  // counts, in place of their load statement; "" counts the load statement's rows. A sheet
+  // gives its record table alone when no filter names a joined column: its rows are the
+  // records one to one, and counting them spares the joins.
+  void CountFrom(std::string count_sql) { count_sql_ = std::move(count_sql); }
+
  private:
   // Opens "select top 1 * from (select_sql) q where conditions order by key" into rs and
   // fills position; Null when there is no such row.
@@ -29,6 +35,7 @@ class BillData : public mrvk::IHostBillData {
                         const std::string& extra, const std::string& key_column, bool descending);
 
   mrvk::IHostDatabase* db_ = nullptr;
+  std::string count_sql_;
 };
 
 }  // namespace kvhost

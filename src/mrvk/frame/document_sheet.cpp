@@ -35,6 +35,7 @@ void DocumentSheet::BuildSelection() {
 
 bool DocumentSheet::LoadData(int direction) {
   BuildSelection();
+  CountPosition();
   std::string position;
   std::unique_ptr<Recordset> rs;
   const Variant result = bill_->Navigate(position, rs, design_.select_sql, selection_, direction,
@@ -46,12 +47,18 @@ bool DocumentSheet::LoadData(int direction) {
 }
 
 bool DocumentSheet::FindData(const std::string& condition, bool keep_on_miss) {
+  CountPosition();
   std::string position;
   std::unique_ptr<Recordset> rs;
   const Variant result =
       bill_->Locate(position, rs, design_.select_sql, selection_, condition, design_.key_column);
   ShowResult(result, rs, position, "-->FindData::", keep_on_miss);
   return true;
+}
+
+void DocumentSheet::CountPosition() {
+  // A filter may name a column of a joined table: then the load statement is counted.
+  bill_->CountFrom(filter_text_.empty() ? design_.count_sql : std::string());
 }
 
 void DocumentSheet::ShowResult(const Variant& result, std::unique_ptr<Recordset>& rs,

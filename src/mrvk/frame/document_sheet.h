@@ -32,6 +32,9 @@ struct DocumentDesign {
   std::string table;       // the record's table ("fwfy")
   std::string key_column;  // its key ("房源ID"), also an output column of select_sql
   std::string select_sql;  // the load statement; selection and find texts name its columns
+  // The record table alone ("select * from FwFy"), when each row of select_sql is one row of
+  // it: the position is counted over it while no filter is in force.
+  std::string count_sql = {};
 };
 
 class DocumentSheet : public ModuleObject, public IFormUI, public IDesignUI {
@@ -127,6 +130,8 @@ class DocumentSheet : public ModuleObject, public IFormUI, public IDesignUI {
   // Shows what Navigate or Locate gave (Null: miss, "": a record, else a failure).
   void ShowResult(const Variant& result, std::unique_ptr<Recordset>& rs,
                   const std::string& position, const std::string& procedure, bool keep_on_miss);
+  // Tells the host's bill data what the position counts (design_.count_sql without a filter).
+  void CountPosition();
   // Reads the condition array of Find or Filter (plane 1 or 0) into text; false when there is
   // nothing to do (Empty, Null, or refused: then the refusal was said).
   bool ReadConditions(const Variant& conditions, int plane, std::string& text);

@@ -90,7 +90,8 @@ const char* DictionaryType(int index) {
 }  // namespace
 
 FY_MX::FY_MX(bool with_rooms)
-    : DocumentSheet(DocumentDesign{with_rooms ? kTag : "FY_MX_old", "fwfy", "房源ID", kSelect}),
+    : DocumentSheet(DocumentDesign{with_rooms ? kTag : "FY_MX_old", "fwfy", "房源ID", kSelect,
+                                   " select * from FwFy"}),
       with_rooms_(with_rooms) {
   // The page of the fields: PicJB beside the rooms' page, or the one frame of the sheet
   // without rooms.
