@@ -7,6 +7,7 @@
 #include <map>
 
 #include "bench_support.h"
+#include "mrvk/housing/rental_state.h"
 
 namespace {
 
@@ -152,8 +153,25 @@ void SaveWithRooms(benchmark::State& state, Engine engine) {
   (void)host->close(screen->id);
 }
 
+// The rental-state rule for a unit with four rooms, naming one of them.
+void RecalcRentalState(benchmark::State& state, Engine engine) {
+  kvhost::Host* host = Filled(engine);
+  if (!host) {
+    state.SkipWithError("no PostgreSQL");
+    return;
+  }
+  int unit = 2;
+  for (auto _ : state) {
+    const std::string error = mrvk::RecalcRentalState(host->database(), unit, "B");
+    if (!error.empty()) state.SkipWithError(error.c_str());
+    unit = unit % kUnits + 2;
+  }
+}
+
 }  // namespace
 
+BENCHMARK_CAPTURE(RecalcRentalState, sqlite, kSqlite)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(RecalcRentalState, postgres, kPostgres)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(Navigate, sqlite, kSqlite)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Navigate, postgres, kPostgres)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(FirstAndLast, sqlite, kSqlite)->Unit(benchmark::kMillisecond);
