@@ -216,7 +216,13 @@ async function showEvents(answer, tab) {
     if (e.name === 'Message') status(a[0]);
     else if (e.name === 'ErrMessage') await alertLayer(String(a[0] ?? ''), clerkText(a[2]) || '错误');
     else if (e.name === 'Detaile') setTimeout(() => openScreen(Number(a[0]), Number(a[1])), 0);
-    else if (e.name === 'fileedit') setTimeout(() => openScreen(Number(a[0]), Number(a[1])), 0);
+    else if (e.name === 'fileedit') {
+      // The sheet opens on the record, in edit mode.
+      setTimeout(async () => {
+        const t = await openScreen(Number(a[0]), Number(a[1]));
+        if (t && !t.editing) await toolbarCommand(t, 'FileEdit');
+      }, 0);
+    }
     else if (e.name === 'filenew') {
       setTimeout(async () => {
         const t = await openScreen(Number(a[0]), 0);
