@@ -633,10 +633,21 @@ function focusFirst(root) {
 // Draws a control list into `root`: frames hold the controls that name them as container;
 // a screen with a tree at the top puts it on the left of everything else.
 function renderControls(root, controls, ctx) {
-  const visible = controls.filter((c) => c.visible !== false);
-  const names = new Map();
   const keyOf = (c) => c.name + (c.index !== undefined ? '(' + c.index + ')' : '');
   const isContainer = (c) => c.type === 'Frame' || c.type === 'PictureBox' || c.type === 'SSTab';
+  // A control shows when it and every frame or page around it are visible (a page that is
+  // not shown hides all it holds).
+  const containers = new Map();
+  for (const c of controls) if (isContainer(c)) containers.set(c.name, c), containers.set(keyOf(c), c);
+  const shows = (c) => {
+    for (let k = c, depth = 0; k && depth < 32; k = containers.get(k.container), depth++) {
+      if (k.visible === false) return false;
+      if (!k.container || containers.get(k.container) === k) break;
+    }
+    return true;
+  };
+  const visible = controls.filter(shows);
+  const names = new Map();
   for (const c of visible) if (isContainer(c)) names.set(c.name, c), names.set(keyOf(c), c);
   const children = new Map();
   const top = [];
@@ -729,6 +740,25 @@ function keepNumber(input) {
   });
 }
 
+// A calendar beside a date field: the browser's own date picker, whose choice is written
+// into the field as typed text (yyyy-mm-dd) and sent as the field's change. The field
+// itself still takes a typed date in any form the host reads.
+function datePicker(input, off) {
+  const cal = el('input', { type: 'date', class: 'cal', tabindex: '-1', 'aria-hidden': 'true' });
+  cal.addEventListener('change', () => {
+    if (!cal.value) return;
+    input.value = cal.value;
+    input.dispatchEvent(new Event('change'));
+  });
+  const open = () => {
+    cal.value = /^\d{4}-\d\d-\d\d$/.test(input.value.trim()) ? input.value.trim() : '';
+    try { cal.showPicker(); } catch (e) { cal.focus(); }
+  };
+  const button = el('button', { type: 'button', class: 'pick cal-btn', text: '▾', title: '选择日期',
+    tabindex: '-1', disabled: off, onclick: open });
+  return [cal, button];
+}
+
 function drawControl(c, ctx) {
   const ref = controlRef(c);
   const key = c.name + (c.index !== undefined ? '(' + c.index + ')' : '');
@@ -814,6 +844,7 @@ function drawControl(c, ctx) {
       }
       const parts = [el('span', { class: 'caption', text: caption(c.caption) }), input];
       if (c.unit) parts.push(el('span', { class: 'unit', text: c.unit }));
+      if (c.kind === 'date' && input.tagName === 'INPUT') parts.push(...datePicker(input, disabled || !!c.locked));
       // The button shows where the field's state says so; a closed list is its own drop-down.
       // Tab goes from the field to the next field (after the field's check), not to its
       // button: the list opens by the mouse, F4 or Alt+↓.
@@ -876,6 +907,8 @@ function drawControl(c, ctx) {
       return c.caption ? wrap(el('span', { class: 'ctl-label', text: caption(c.caption) })) : null;
     case 'TreeView':
       return wrap(drawTree(c, ref, ctx));
+    case 'Toolbar':
+      return wrap(drawPageTabs(c, ref, ctx));
     case 'kvGrid':
     case 'VsFlexGrid':
       return wrap(drawGrid(c, ref, ctx));
@@ -887,6 +920,24 @@ function drawControl(c, ctx) {
       }
       return c.caption ? wrap(el('span', { class: 'ctl-label', text: caption(c.caption) })) : null;
   }
+}
+
+// A screen's own row of buttons switches its pages: drawn as the sheet's page tabs, the
+// pressed button being the page shown. Buttons are numbered from 1; a button without a
+// caption is a separator and not drawn.
+function drawPageTabs(c, ref, ctx) {
+  const bar = el('div', { class: 'page-tabs', role: 'tablist' });
+  (c.buttons || []).forEach((b, i) => {
+    if (!b.caption) return;
+    const button = el('button', { type: 'button', role: 'tab', text: b.caption,
+      class: b.pressed ? 'pressed' : '', 'aria-selected': b.pressed ? 'true' : 'false',
+      title: b.tooltip || b.caption, disabled: c.enabled === false,
+      onclick: () => {
+        if (!b.pressed) afterCommits().then(() => ctx.gesture(Object.assign({ gesture: 'click', row: i + 1 }, ref)));
+      } });
+    bar.append(button);
+  });
+  return bar;
 }
 
 function drawTree(c, ref, ctx) {
@@ -1026,8 +1077,14 @@ function drawGrid(c, ref, ctx) {
   }
   const tbody = el('tbody');
   const editable = c.type === 'kvGrid' && c.editable && !c.locked && c.enabled !== false;
+  // The cells a clerk may edit, row by row in the order shown: locked rows (a let room) and
+  // read-only columns take no edit.
+  const editCols = editable ? shown.filter((ci) => ci >= fixedCols && !cols[ci].read_only) : [];
+  const cellEditable = (r, ci) => editCols.includes(ci) && !r.locked;
+  const grid = { key: gridKey, ref, ctx, cols, tbody, data, editCols, cellEditable };
   for (const r of data) {
     const tr = el('tr', { 'data-row': String(r.row) });
+    if (r.locked) tr.classList.add('locked');
     if (r.row === c.row) tr.classList.add('current');
     if (r.subtotal !== undefined) tr.classList.add('subtotal');
     const styles = new Map((r.styles || []).map((s) => [s.col, s]));
@@ -1041,11 +1098,13 @@ function drawGrid(c, ref, ctx) {
       if (st.back !== undefined || col.back !== undefined) td.style.background = colourCss(st.back ?? col.back);
       if (st.fore !== undefined || col.fore !== undefined) td.style.color = colourCss(st.fore ?? col.fore);
       if (st.bold) td.style.fontWeight = 'bold';
-      td.addEventListener('click', () =>
-        ctx.gesture(Object.assign({ gesture: 'cell_click', row: r.row, col: ci }, ref)));
-      if (editable && !col.read_only && ci >= fixedCols) {
+      td.addEventListener('click', (e) => {
+        if (td.classList.contains('editing') || e.target.closest('input, select')) return;
+        ctx.gesture(Object.assign({ gesture: 'cell_click', row: r.row, col: ci }, ref));
+      });
+      if (cellEditable(r, ci)) {
         td.classList.add('editable');
-        td.addEventListener('dblclick', () => editCell(td, r, ci, ref, ctx));
+        td.addEventListener('dblclick', () => editCell(grid, td, r, ci));
       } else if (!ctx.delegatesDblclick) {
         td.addEventListener('dblclick', () =>
           ctx.gesture(Object.assign({ gesture: 'cell_dblclick', row: r.row, col: ci }, ref)));
@@ -1088,6 +1147,20 @@ function drawGrid(c, ref, ctx) {
   });
   const dataRows = (c.rows || 0) - fixedRows;
   const box = el('div', { class: 'grid-box' }, wrap);
+  if (c.type === 'kvGrid' && editable && (c.can_add || c.can_delete)) box.prepend(gridRowButtons(c, ref, ctx));
+  // An edit that moved on (Enter, Tab, arrows) continues in its next cell once the grid is
+  // drawn again with what the host made of the last one.
+  // An editor that a redraw took away (an answer to an earlier gesture came in while the
+  // clerk typed) opens again on its cell with the text typed so far.
+  const next = ctx.sorts && ctx.sorts.get('edit ' + gridKey);
+  const open = ctx.sorts && ctx.sorts.get('open ' + gridKey);
+  if (open && !open.input.isConnected) {
+    ctx.sorts.delete('open ' + gridKey);
+    setTimeout(() => openCellEditor(grid, open.row, open.col, open.input.value), 0);
+  } else if (next) {
+    ctx.sorts.delete('edit ' + gridKey);
+    setTimeout(() => openCellEditor(grid, next.row, next.col), 0);
+  }
   // A find or a move that scrolled the grid so that its window starts mid-page: the window
   // goes back to the start of its page, so that a short list shows all its rows.
   // With rows filtered out (a search) the window counts only the rows that show.
@@ -1119,27 +1192,124 @@ function drawGrid(c, ref, ctx) {
   return box;
 }
 
-function editCell(td, r, ci, ref, ctx) {
-  const input = el('input', { type: 'text', value: r.text[ci] });
+// 增行 and 删行 above an editable grid: a new row at the end, or the current row removed
+// (the grid asks first, and the sheet may refuse).
+function gridRowButtons(c, ref, ctx) {
+  const hasRow = c.row >= (c.fixed_rows || 0) && c.row < (c.rows || 0);
+  return el('div', { class: 'grid-tools' },
+    c.can_add ? el('button', { type: 'button', text: '增行', title: '在末尾增加一行',
+      onclick: () => afterCommits().then(() => {
+        if (ctx.sorts) ctx.sorts.set('edit ' + controlKey(ref), { row: c.rows, col: -1 });
+        return ctx.gesture(Object.assign({ gesture: 'row_add' }, ref));
+      }) }) : null,
+    c.can_delete ? el('button', { type: 'button', text: '删行', title: '删除当前行',
+      disabled: !hasRow,
+      onclick: () => afterCommits().then(() => ctx.gesture(Object.assign({ gesture: 'row_delete', row: c.row }, ref))) }) : null);
+}
+
+function controlKey(ref) {
+  return ref.control + (ref.index !== undefined ? '(' + ref.index + ')' : '');
+}
+
+// The cell after (step 1) or before (step -1) a cell among the editable ones, row by row;
+// null past either end.
+function neighbourCell(grid, row, col, step) {
+  const rows = grid.data;
+  let ri = rows.findIndex((r) => r.row === row);
+  let ci = grid.editCols.indexOf(col);
+  for (let guard = 0; guard < rows.length * (grid.editCols.length + 1) + 1; guard++) {
+    ci += step;
+    if (ci < 0 || ci >= grid.editCols.length) {
+      ri += step;
+      if (ri < 0 || ri >= rows.length) return null;
+      ci = step > 0 ? 0 : grid.editCols.length - 1;
+    }
+    if (grid.cellEditable(rows[ri], grid.editCols[ci])) return { row: rows[ri].row, col: grid.editCols[ci] };
+  }
+  return null;
+}
+
+// The same column in the row above or below that takes an edit; null when there is none.
+function verticalCell(grid, row, col, step) {
+  const rows = grid.data;
+  for (let ri = rows.findIndex((r) => r.row === row) + step; ri >= 0 && ri < rows.length; ri += step) {
+    if (grid.cellEditable(rows[ri], col)) return { row: rows[ri].row, col };
+  }
+  return null;
+}
+
+// Opens the editor on a cell of the grid as drawn now (col -1: the row's first editable
+// cell), with `text` in it when given.
+function openCellEditor(grid, row, col, text) {
+  const r = grid.data.find((x) => x.row === row);
+  if (!r) return;
+  const ci = col >= 0 ? col : grid.editCols.find((k) => grid.cellEditable(r, k));
+  if (ci === undefined || !grid.cellEditable(r, ci)) return;
+  const td = grid.tbody.querySelector(`tr[data-row="${row}"] td[data-col="${ci}"]`);
+  if (td && td.isConnected) editCell(grid, td, r, ci, text);
+}
+
+// Edits a cell in place: a closed list where the column has one, else a text box (numbers
+// keep only a number). Enter and Tab take the text and go on to the next cell (Shift+Tab
+// back), arrows up and down to the cell above or below, Esc gives the cell its text back.
+function editCell(grid, td, r, ci, text) {
+  if (td.classList.contains('editing')) return;
+  const col = grid.cols[ci] || {};
+  const old = r.text[ci] ?? '';
+  const memory = grid.ctx.sorts;
+  let input;
+  if (col.list) {
+    const entries = String(col.list).split('|');
+    if (!entries.includes('')) entries.unshift('');
+    input = el('select', {}, entries.map((v) => el('option', { value: v, text: v })));
+    input.value = text ?? old;
+  } else {
+    input = el('input', { type: 'text', value: text ?? old,
+                          placeholder: col.kind === 'date' ? 'yyyy-mm-dd' : null });
+    if (col.kind === 'number') { input.classList.add('num'); keepNumber(input); }
+  }
   td.textContent = '';
+  td.classList.add('editing');
   td.append(input);
   input.focus();
-  input.select();
+  if (input.select) input.select();
+  const opened = { row: r.row, col: ci, input };
+  if (memory) memory.set('open ' + grid.key, opened);
   let done = false;
-  const commit = (save) => {
+  const commit = (save, move) => {
     if (done) return;
     done = true;
-    if (save && input.value !== r.text[ci]) {
-      ctx.gesture(Object.assign({ gesture: 'cell_edit', row: r.row, col: ci, text: input.value }, ref));
-    } else {
-      td.textContent = r.text[ci];
+    if (memory && memory.get('open ' + grid.key) === opened) memory.delete('open ' + grid.key);
+    const text = input.value;
+    if (save && text !== old) {
+      if (move && grid.ctx.sorts) grid.ctx.sorts.set('edit ' + grid.key, move);
+      grid.ctx.gesture(Object.assign({ gesture: 'cell_edit', row: r.row, col: ci, text }, grid.ref));
+      return;
     }
+    td.classList.remove('editing');
+    td.textContent = old;
+    if (move) openCellEditor(grid, move.row, move.col);
   };
   input.addEventListener('keydown', (e) => {
-    if (e.key === 'Enter') commit(true);
-    if (e.key === 'Escape') { e.stopPropagation(); commit(false); }
+    let move;
+    if (e.key === 'Enter' || e.key === 'Tab') {
+      move = neighbourCell(grid, r.row, ci, e.shiftKey ? -1 : 1);
+    } else if ((e.key === 'ArrowDown' || e.key === 'ArrowUp') && input.tagName !== 'SELECT') {
+      move = verticalCell(grid, r.row, ci, e.key === 'ArrowDown' ? 1 : -1);
+    } else if (e.key === 'Escape') {
+      e.preventDefault();
+      e.stopPropagation();
+      commit(false, null);
+      return;
+    } else {
+      return;
+    }
+    e.preventDefault();
+    e.stopPropagation();
+    commit(true, move || null);
   });
-  input.addEventListener('blur', () => commit(true));
+  if (input.tagName === 'SELECT') input.addEventListener('change', () => commit(true, null));
+  input.addEventListener('blur', () => commit(true, null));
 }
 
 // ---------------------------------------------------------------- tabs and screens
@@ -1468,6 +1638,14 @@ async function toolbarCommand(tab, cmd) {
       if (!(await printListGrid(tab, cmd === 'DoPrint'))) status('没有可打印的页面');
     }
     await refreshState(tab);
+    if (cmd === 'FileNew' && tab.editing) {
+      // A new record starts on the sheet's first page.
+      const pages = (tab.state.controls || []).find((c) => c.type === 'Toolbar' && c.visible !== false);
+      const first = pages ? (pages.buttons || []).findIndex((b) => b.caption) : -1;
+      if (first >= 0 && !pages.buttons[first].pressed) {
+        await screenGesture(tab, Object.assign({ gesture: 'click', row: first + 1 }, controlRef(pages)));
+      }
+    }
     if ((cmd === 'FileNew' || cmd === 'FileEdit') && tab.editing && tab === active) {
       // The cursor goes to the first field that takes input.
       const first = tab.node.querySelector('.field input:not([disabled]):not([readonly]), ' +
