@@ -1,5 +1,6 @@
 // The housing register family: the housing sheets (with rooms, and for units let whole) and
 // the housing picker.
+#include "mrvk/housing/fwfy_tools.h"
 #include "mrvk/housing/fy_mx.h"
 #include "mrvk/registry.h"
 
@@ -8,6 +9,8 @@ namespace mrvk {
 void RegisterHousingClasses(ClassFactories& f) {
   f["FY_MX"] = [] { return NewFY_MX(); };
   f["FY_MX_old"] = [] { return NewFY_MX_old(); };
+  f["cFwFy_finish"] = [] { return NewcFwFy_finish(); };
+  f["cFwFy_unfinish"] = [] { return NewcFwFy_unfinish(); };
 }
 
 }  // namespace mrvk

@@ -37,7 +37,9 @@ void EntryDialog::Run(IHostContext& context, int32_t id, bool view_only,
   if (id_ > 0) {
     IHostDatabase& db = context.Database();
     {
-      auto rs = db.CreateCommand(RowSql(), 1)->OpenRecordset();
+      const std::string show_sql =
+          table_.show_sql.empty() ? RowSql() : table_.show_sql + std::to_string(id_);
+      auto rs = db.CreateCommand(show_sql, 1)->OpenRecordset();
       if (!(rs->Eof() && rs->Bof())) UpdateForm(*rs);
     }
     guard_.Take(db, {RowSql()});

@@ -24,6 +24,10 @@ struct EntryTable {
   std::string key_column;   // 业主ID
   std::string code_column;  // 业主编号, the field kvTxt(0)
   std::string name_column;  // 业主名称, the field kvTxt(1)
+  // The statement whose row UpdateForm shows, up to the ID; empty for the table's own row
+  // ("select * from <table> where <key>="). A dialog that shows names of other tables joins
+  // them here.
+  std::string show_sql = {};
 };
 
 class EntryDialog : public kvhost::Dialog {
@@ -53,7 +57,7 @@ class EntryDialog : public kvhost::Dialog {
   // dropped then.
   void Run(IHostContext& context, int32_t id, bool view_only, const std::string& caption);
 
-  // Fills the fields from "select * from <table> where <key>=" + ID.
+  // Fills the fields from the shown row (EntryTable::show_sql + ID).
   virtual void UpdateForm(Recordset& rs) = 0;
   // The statements of a save: the update of the shown row, the insert of a new row with id.
   virtual std::string UpdateSql(int32_t id) = 0;
@@ -68,7 +72,8 @@ class EntryDialog : public kvhost::Dialog {
   std::unique_ptr<kvhost::Convert> convert_;
 
  private:
-  // The shown row: "select * from <table> where <key>=<ID>".
+  // The row of the table: "select * from <table> where <key>=<ID>"; the guard against lost
+  // updates compares it.
   std::string RowSql() const;
   bool IsCanSave();
   void DoSave();

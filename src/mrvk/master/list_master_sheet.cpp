@@ -99,16 +99,25 @@ bool ListMasterSheet::FileDelete() {
     wheel_->Rate(Vs);
     return true;
   } catch (const VbError& e) {
-    ErrMessage("FileDelete:" + e.Description(), err_level::kValidation, Word());
+    ErrMessage(design_.delete_tag + e.Description(), err_level::kValidation, Word());
     return false;
   }
 }
 
 bool ListMasterSheet::IsCanDelete(int32_t id) {
-  const bool used =
-      Val(ScalarText(context_->Database(), " select top 1 " + design_.key_column + " from " +
-                                               design_.use_table + " where " + design_.key_column +
-                                               "=" + std::to_string(id))) > 0;
+  const std::string use_sql = design_.use_sql.empty()
+                                  ? " select top 1 " + design_.key_column + " from " +
+                                        design_.use_table + " where " + design_.key_column + "="
+                                  : design_.use_sql;
+  bool used = false;
+  try {
+    used = Val(ScalarText(context_->Database(), use_sql + std::to_string(id))) > 0;
+  } catch (const VbError& e) {
+    context_->Database().Release();
+    if (design_.use_tag.empty()) throw;
+    ErrMessage(design_.use_tag + e.Description(), err_level::kValidation, Word());
+    return false;
+  }
   context_->Database().Release();
   if (used) {
     ErrMessage("该[" + Word() + "]已启用,不能删除!", err_level::kValidation, Word());
@@ -127,10 +136,10 @@ void ListMasterSheet::moForm_ReturnData(int32_t id, bool is_new) {
     if (row < Vs.FixedRows()) return;
     IHostDatabase& db = context_->Database();
     {
-      auto rs = db.CreateCommand("select * from " + design_.table + " where " + design_.key_column +
-                                     "=" + std::to_string(id),
-                                 1)
-                    ->OpenRecordset();
+      const std::string row_sql = design_.row_sql.empty() ? "select * from " + design_.table +
+                                                                " where " + design_.key_column + "="
+                                                          : design_.row_sql;
+      auto rs = db.CreateCommand(row_sql + std::to_string(id), 1)->OpenRecordset();
       if (!(rs->Eof() && rs->Bof())) {
         for (size_t i = 0; i < design_.row_columns.size(); ++i)
           Vs.TextMatrix(row, static_cast<int>(i) + 1) =

@@ -1,7 +1,8 @@
 // The list master sheet: every row of one table in a read-only grid, and a modal entry dialog
 // for a new row and for editing one, which checks and saves on its own. Delete asks, checks
-// that no other table uses the row, and takes the row out of the grid. Parties (PDMYz) and
-// fee categories (PDMFykm) are this sheet with their table, grid and dialog.
+// that no other table uses the row, and takes the row out of the grid. Parties (PDMYz), fee
+// categories (PDMFykm) and the quick housing register (PDMFy) are this sheet with their table,
+// grid and dialog.
 #pragma once
 
 #include <memory>
@@ -27,6 +28,16 @@ struct ListSheetDesign {
   // last is the key.
   std::vector<std::string> row_columns;
   std::string use_table;  // the table asked whether it refers to a row (fwfy)
+  // The statement that reads a saved row for the grid, up to the ID; empty for
+  // "select * from <table> where <key>=".
+  std::string row_sql = {};
+  // The use check up to the ID; empty for " select top 1 <key> from <use_table> where <key>=".
+  // It gives the key of a row that uses the ID, so a number above 0 means used.
+  std::string use_sql = {};
+  // The tags of the handlers of last resort of FileDelete and of the use check; the use
+  // check without a tag of its own reports through FileDelete's.
+  std::string delete_tag = "FileDelete:";
+  std::string use_tag = {};
 };
 
 class ListMasterSheet : public ModuleObject, public IFormUI, public IDesignUI {

@@ -1,5 +1,6 @@
-// The master data family: buildings, estates, fee categories, owners and clients, and the
-// code pickers.
+// The master data family: buildings, estates, fee categories, owners and clients, the quick
+// housing register, and the code pickers.
+#include "mrvk/master/pdm_fy.h"
 #include "mrvk/master/pdm_fykm.h"
 #include "mrvk/master/pdm_ly.h"
 #include "mrvk/master/pdm_wy.h"
@@ -19,6 +20,7 @@ void RegisterMasterClasses(ClassFactories& f) {
   f["clsFy"] = [] { return NewClsFy(); };
   f["PDMYz"] = [] { return NewPDMYz(); };
   f["PDMFykm"] = [] { return NewPDMFykm(); };
+  f["PDMFy"] = [] { return NewPDMFy(); };
 }
 
 }  // namespace mrvk

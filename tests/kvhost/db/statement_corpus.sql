@@ -67,6 +67,39 @@ select * from fwyz where 业主ID=401
 -- party list: owners or clients by code
 select 业主编号,业主名称,性别,电话,身份证号,籍贯,工作单位,备注,业主ID from fwyz where 类型=0 order by 业主编号
 ;;
+-- housing register dialog: code unique among the other units
+select 房源ID from fwfy where 房源编号='FY502' and 房源ID<>0
+;;
+-- housing register dialog: insert a new unit
+insert into fwfy(房源ID,房源编号,房源名称,物业ID,楼宇ID,朝向,户型,楼层,结构,面积,出租状态,业主ID,备注)values(502,'FY502','O''Brien 公寓',201,101,'南','两室一厅','5','框架',60.25,'已出租',401,'')
+;;
+-- housing register dialog: update the unit
+UpDate fwfy set 房源编号='FY502',房源名称='五零二',物业ID=201,楼宇ID=101,朝向='南',户型='两室一厅',楼层='5',结构='框架',面积=0,出租状态='未出租',业主ID=401,备注='朝南' Where 房源ID=502
+;;
+-- housing register dialog: load one unit with the names of its estate, building and owner
+select A.*,B.物业名称,C.楼宇名称,D.业主名称 from ((fwfy A left join fwwy B on A.物业ID=B.物业ID) left join fwly C on A.楼宇ID=C.楼宇ID) left join fwyz D on A.业主ID=D.业主ID where 房源ID=502
+;;
+-- housing register list: one unit after a save
+select A.房源编号,A.房源名称,B.物业名称,C.楼宇名称,A.朝向,A.户型,A.楼层,A.结构,A.面积,A.出租状态,D.业主名称,A.备注,A.房源ID from ((fwfy A left join fwwy B on A.物业ID=B.物业ID) left join fwly C on A.楼宇ID=C.楼宇ID) left join fwyz D on A.业主ID=D.业主ID where 房源ID=502
+;;
+-- housing register list: all units by code
+select A.房源编号,A.房源名称,B.物业名称,C.楼宇名称,A.朝向,A.户型,A.楼层,A.结构,A.面积,A.出租状态,D.业主名称,A.备注,A.房源ID from ((fwfy A left join fwwy B on A.物业ID=B.物业ID) left join fwly C on A.楼宇ID=C.楼宇ID) left join fwyz D on A.业主ID=D.业主ID order by 房源编号
+;;
+-- unit validity tool: a contract in force on the unit
+ SELECT 房源ID FROM fwhd inner join fwhdmx on fwhd.合同ID=fwhdmx.合同ID  where fwhdmx.房源ID=502 and smark='02' and 状态='生效'
+;;
+-- unit validity tool: the unit withdrawn already
+ select 房源ID from fwfy where 房源ID=502 and 出租状态='已失效'
+;;
+-- unit validity tool: withdraw the unit
+ update fwfy   set 出租状态='已失效'  where 房源ID=502
+;;
+-- unit validity tool: the unit not withdrawn
+ select 房源ID from fwfy where 房源ID=502 and 出租状态<>'已失效'
+;;
+-- unit validity tool: bring the unit back
+ update fwfy   set 出租状态='未出租'  where 房源ID=502
+;;
 -- field list of the estates
 select 物业编号,物业名称,物业ID from fwwy order by 物业编号
 ;;
@@ -99,6 +132,12 @@ select A.房源编号,A.房源名称,B.物业名称,C.楼宇名称,A.朝向,A.�
 ;;
 -- collection schedule: insert one period
  insert into fwhdfs_sk (AutoID,合同ID,费用名称,是否包干,是否预收,收款期间,收款日期,起始日期,结束日期,上期度数,是否最后一期,序号,是否已收) values (1101,701,'房租',1,1,3,'2012-10-15','2012-10-15','2013-01-14',0,0,1,0)
+;;
+-- housing register delete: unit named by a contract
+ select 房源ID from fwhdmx where 房源ID=502
+;;
+-- housing register delete: drop the unit
+delete from fwfy where 房源ID=502
 ;;
 -- party delete: party owning a housing unit
  select top 1 业主ID from fwfy where 业主ID=401

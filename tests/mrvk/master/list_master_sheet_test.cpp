@@ -1,7 +1,7 @@
-// Owners, clients and fee categories, driven as a clerk drives them: toolbar operations, clicks
-// on the grid, and the entry dialog worked through its fields and buttons, on both engines.
-// Assertions are on what the clerk sees (grid rows, dialog fields, reports, boxes) and on what
-// the database holds.
+// Owners, clients, fee categories and the quick housing register, driven as a clerk drives them:
+// toolbar operations, clicks on the grid, and the entry dialog worked through its fields and
+// buttons, on both engines. Assertions are on what the clerk sees (grid rows, dialog fields,
+// reports, boxes) and on what the database holds.
 #include "mrvk/master/list_master_sheet.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "kvhost/lib/kv_txt.h"
+#include "mrvk/master/pdm_fy.h"
 #include "mrvk/master/pdm_fykm.h"
 #include "mrvk/master/pdm_yz.h"
 #include "support/sheet_test.h"
@@ -22,6 +23,7 @@ using kvhost::HostEvent;
 
 constexpr int32_t kOwners = 870004;
 constexpr int32_t kClients = 870005;
+constexpr int32_t kHousing = 870006;
 
 class ListMasterSheetTest : public kvtest::SheetTest {
  protected:
@@ -90,6 +92,26 @@ class ListMasterSheetTest : public kvtest::SheetTest {
     Exec("insert into fwyz (业主ID,业主编号,业主名称,性别,类型) values (" + std::to_string(id) +
          ",'" + code + "','" + name + "','男'," + std::to_string(type) + ")");
   }
+
+  // An estate, two buildings of it and an owner for the housing units to name.
+  void AddHousingLookups() {
+    Exec("insert into fwwy (物业ID,物业编号,物业名称) values (1,'W1','阳光花园')");
+    Exec("insert into fwly (楼宇ID,楼宇编号,楼宇名称,物业ID) values (1,'L1','1号楼',1)");
+    Exec("insert into fwly (楼宇ID,楼宇编号,楼宇名称,物业ID) values (2,'L2','2号楼',1)");
+    AddParty(1, "Y01", "王五", 0);
+    AddParty(2, "K01", "钱七", 1);
+  }
+  void AddUnit(int id, const std::string& code, const std::string& name, int building, int owner) {
+    Exec(
+        "insert into fwfy "
+        "(房源ID,房源编号,房源名称,物业ID,楼宇ID,朝向,户型,楼层,结构,面积,出租状态,"
+        "业主ID,备注) values (" +
+        std::to_string(id) + ",'" + code + "','" + name + "',1," + std::to_string(building) +
+        ",'南','一室一厅','3','砖混',85.5,'已出租'," + std::to_string(owner) + ",'朝南')");
+  }
+  static constexpr const char* kUnitColumns =
+      "select 房源编号,房源名称,物业ID,楼宇ID,朝向,户型,楼层,结构,面积,出租状态,业主ID,备注 from "
+      "fwfy ";
 
   ListMasterSheet* sheet_ = nullptr;
 };
@@ -315,6 +337,128 @@ TEST_P(ListMasterSheetTest, FeeCategoriesTakeAModeFromTheClosedListAndAPriceAsAN
   ClickRow(2);
   EXPECT_TRUE(Call("FileDelete"));
   EXPECT_EQ(Scalar("select count(*) from fwfykm"), "2");
+}
+
+TEST_P(ListMasterSheetTest, HousingUnitsListWithTheNamesOfTheirEstateBuildingAndOwner) {
+  AddHousingLookups();
+  AddUnit(2, "F02", "二号", 1, 1);
+  // Its building and owner rows are gone: the unit still shows, with empty names.
+  AddUnit(1, "F01", "一号", 9, 7);
+  Open("PDMFy", kHousing);
+  EXPECT_EQ(sheet_->Vs.FormatString(),
+            "行号|编号|名称|物业|楼宇|朝向|户型|楼层|结构|面积|出租状态|业主|备注|房源ID");
+  EXPECT_TRUE(sheet_->Vs.ColHidden(13));
+  EXPECT_EQ(sheet_->Vs.TextMatrix(1, 13), "1");
+  EXPECT_EQ(Rows(), (std::vector<std::string>{
+                        "1|F01|一号|阳光花园||南|一室一厅|3|砖混|85.5|已出租||朝南",
+                        "2|F02|二号|阳光花园|1号楼|南|一室一厅|3|砖混|85.5|已出租|王五|朝南"}));
+  // The state is a closed list of exactly these, the first empty.
+  auto* housing = dynamic_cast<PDMFy*>(sheet_);
+  ASSERT_NE(housing, nullptr);
+  EXPECT_EQ(housing->Dialog().kvTxt[11].ListEntries(),
+            (std::vector<std::string>{"", "未出租", "已出租"}));
+}
+
+TEST_P(ListMasterSheetTest, ANewHousingUnitTakesItsLookupsByCodeNameOrListAndSavesAtOnce) {
+  AddHousingLookups();
+  AddUnit(1, "F01", "一号", 1, 1);
+  ASSERT_TRUE(host().create_schema().ok());
+  Open("PDMFy", kHousing);
+  Seen seen;
+  // Codes and names typed into the bound fields are looked up when the field is left; the
+  // building is chosen from its list (the second row, 2号楼).
+  OnDialog({TypeIn(0, " F03 "),
+            TypeIn(1, "O'Brien's \"flat\""),
+            TypeIn(2, "W1"),
+            Leave(2),
+            TypeIn(3, "王五"),
+            Leave(3),
+            {"kvTxt", 4, {.kind = "pick"}},
+            TypeIn(5, "备注'x"),
+            TypeIn(6, "01"),
+            Leave(6),
+            TypeIn(7, "两室一厅"),
+            Leave(7),
+            TypeIn(8, "5"),
+            TypeIn(9, "03"),
+            Leave(9),
+            TypeIn(10, "60.25"),
+            {"kvTxt", 11, {.kind = "pick", .text = "已出租"}},
+            Save()},
+           &seen);
+  host().ui().dialogs.push_back(kvhost::ScriptedUi::ChooseRows({1}));
+  ASSERT_TRUE(Call("FileNew"));
+  EXPECT_EQ(seen.caption, "房源信息");
+  EXPECT_EQ(seen.texts, std::vector<std::string>(12, ""));
+  EXPECT_EQ(Reports(), std::vector<std::string>{});
+  EXPECT_EQ(Query(std::string(kUnitColumns) + "where 房源编号='F03'"),
+            std::vector<std::string>{
+                "F03|O'Brien's \"flat\"|1|2|南|两室一厅|5|框架|60.25|已出租|1|备注'x"});
+  // At the end of the grid, with the names of what it refers to.
+  EXPECT_EQ(Rows().back(),
+            "2|F03|O'Brien's \"flat\"|阳光花园|2号楼|南|两室一厅|5|框架|60.25|已出租|王五|备注'x");
+
+  // Only the code and the name are needed: the rest is saved empty, the IDs and area 0.
+  OnDialog({TypeIn(0, "F04"), TypeIn(1, "四号"), Save()});
+  ASSERT_TRUE(Call("FileNew"));
+  EXPECT_EQ(Query(std::string(kUnitColumns) + "where 房源编号='F04'"),
+            std::vector<std::string>{"F04|四号|0|0|||||0||0|"});
+}
+
+TEST_P(ListMasterSheetTest, TheHousingDialogChecksCodeNameAndLookupsAndEditsInPlace) {
+  AddHousingLookups();
+  AddUnit(1, "F01", "一号", 1, 1);
+  AddUnit(2, "F02", "二号", 2, 1);
+  Open("PDMFy", kHousing);
+  OnDialog({TypeIn(1, "三号"), Save(), TypeIn(0, "F03"), TypeIn(1, " "), Save(), TypeIn(0, "F01"),
+            TypeIn(1, "三号"), Save(), TypeIn(0, "F03"), TypeIn(1, "一号"), Save(), Close()});
+  ASSERT_TRUE(Call("FileNew"));
+  EXPECT_EQ(Reports(), (std::vector<std::string>{
+                           "没有具体的编号,请录入!|2|提示：", "没有具体的名称,请录入!|2|提示：",
+                           "编号重复,请检查!|2|提示：", "名称重复,请检查!|2|提示"}));
+  EXPECT_EQ(Scalar("select count(*) from fwfy"), "2");
+
+  // The dialog shows the unit with the names of its lookups. A client is no owner: the typed
+  // code is refused, and the unit is saved without an owner; an emptied area saves 0.
+  ClickRow(2);
+  Seen seen;
+  host().ui().answers = {msgbox::kOk};
+  OnDialog({TypeIn(1, "二号'楼"), TypeIn(3, "K01"), Leave(3), TypeIn(10, ""), Save()}, &seen);
+  ASSERT_TRUE(Call("FileEdit"));
+  EXPECT_EQ(seen.texts,
+            (std::vector<std::string>{"F02", "二号", "阳光花园", "王五", "2号楼", "朝南", "南",
+                                      "一室一厅", "3", "砖混", "85.5", "已出租"}));
+  EXPECT_EQ(LastBox(), "业主名称输入有误，请重新输入！|48|");
+  EXPECT_EQ(Reports(), std::vector<std::string>{});
+  EXPECT_EQ(Query(std::string(kUnitColumns) + "where 房源ID=2"),
+            std::vector<std::string>{"F02|二号'楼|1|2|南|一室一厅|3|砖混|0|已出租|0|朝南"});
+  EXPECT_EQ(Rows()[1], "2|F02|二号'楼|阳光花园|2号楼|南|一室一厅|3|砖混|0|已出租||朝南");
+  EXPECT_EQ(Rows().size(), 2u);
+}
+
+TEST_P(ListMasterSheetTest, AHousingUnitNamedByAnyContractCannotBeDeleted) {
+  AddHousingLookups();
+  AddUnit(1, "F01", "一号", 1, 1);
+  AddUnit(2, "F02", "二号", 1, 1);
+  AddUnit(3, "F03", "三号", 1, 1);
+  // An ended contract still names the unit.
+  Exec("insert into fwhd (合同ID,合同编号,smark,状态) values (5,'HT5','02','终止')");
+  Exec("insert into fwhdmx (合同明细ID,合同ID,房源ID) values (5,5,2)");
+  Open("PDMFy", kHousing);
+  ClickRow(2);
+  host().ui().answers = {msgbox::kYes};
+  EXPECT_FALSE(Call("FileDelete"));
+  EXPECT_EQ(LastBox(), "是否删除当前行记录|52|提示:");
+  EXPECT_EQ(Reports(), (std::vector<std::string>{"该[房源信息]已启用,不能删除!|2|房源信息"}));
+  EXPECT_EQ(Scalar("select count(*) from fwfy where 房源ID=2"), "1");
+
+  ClickRow(1);
+  host().ui().answers = {msgbox::kYes};
+  EXPECT_TRUE(Call("FileDelete"));
+  EXPECT_EQ(Query("select 房源编号 from fwfy order by 房源编号"),
+            (std::vector<std::string>{"F02", "F03"}));
+  EXPECT_EQ(std::vector<std::string>({Rows()[0].substr(0, 6), Rows()[1].substr(0, 6)}),
+            (std::vector<std::string>{"1|F02|", "2|F03|"}));
 }
 
 TEST_P(ListMasterSheetTest, FindAndFilterWorkOnTheGridsRows) {
