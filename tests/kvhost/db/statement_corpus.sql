@@ -124,6 +124,12 @@ select A.房源编号,A.房源名称,B.物业名称,C.楼宇名称,A.朝向,A.�
 -- housing unit picker: typed unit checked within the locked building
 select A.房源编号,A.房源名称,B.物业名称,C.楼宇名称,A.朝向,A.户型,A.楼层,A.结构,A.面积,A.出租状态,D.业主名称,A.备注,A.房源ID from ((fwfy A left join fwwy B on A.物业ID=B.物业ID) left join fwly C on A.楼宇ID=C.楼宇ID) left join fwyz D on A.业主ID=D.业主ID Where (房源编号='FY002' OR 房源名称='FY002') and 楼宇名称='一号楼' and A.出租状态='未出租'
 ;;
+-- housing list: every condition and every state
+ SELECT FwFy.房源ID, FwFy.房源编号, FwWy.物业名称, FwFy.房源名称, FwFy.所属区域, FwFy.楼宇类型, FwFy.物业用途,       FwFy.户型, FwFy.面积, FwFy.楼层, FwFy.总楼层, PDMXSY.名称 As 业务员, FwFy.出租价格, FwFy.出租状态  FROM (FwFy LEFT JOIN FwWy ON FwFy.物业ID = FwWy.物业ID) LEFT JOIN PDMXSY ON FwFy.业务员ID = PDMXSY.AutoID WHERE 1=1 and FwFy.所属区域='东区' and FwWy.物业名称='O''Hara 苑' and FwFy.户型='两室一厅' and FwFy.物业用途='住宅' and FwFy.楼宇类型='高层' and FwFy.出租价格 >=1000 and FwFy.出租价格 <=3000 and FwFy.面积 >=60 and FwFy.面积 <=120 and fwfy.业务员ID=1 and ( FwFy.出租状态='未出租' or  FwFy.出租状态='已出租' or  FwFy.出租状态='部分出租' or fwfy.出租状态='已分租' or  FwFy.出租状态='已失效')
+;;
+-- housing list: no state ticked
+ SELECT FwFy.房源ID, FwFy.房源编号, FwWy.物业名称, FwFy.房源名称, FwFy.所属区域, FwFy.楼宇类型, FwFy.物业用途,       FwFy.户型, FwFy.面积, FwFy.楼层, FwFy.总楼层, PDMXSY.名称 As 业务员, FwFy.出租价格, FwFy.出租状态  FROM (FwFy LEFT JOIN FwWy ON FwFy.物业ID = FwWy.物业ID) LEFT JOIN PDMXSY ON FwFy.业务员ID = PDMXSY.AutoID WHERE 1=1 and 1<>1
+;;
 -- collection schedule: drop the contract's rows
  DELETE FROM fwhdfs_sk where 合同ID=701
 ;;
@@ -162,3 +168,6 @@ delete from fwly where 楼宇ID=101
 ;;
 -- estate delete: drop the estate
 delete from fwwy where 物业ID=201
+;;
+-- housing list delete: drop the unit
+Delete from fwfy where 房源ID=501
