@@ -42,7 +42,11 @@ bool ModulePicker::Init(int32_t progID) {
     picker_ = picker;
     object_ = std::move(object);
   }
-  if (!initialised_) initialised_ = picker_->Init(context_, progID, key_);
+  if (!initialised_) {
+    initialised_ = picker_->Init(context_, progID, key_);
+    // The picker's saved settings come back once, as a screen's layout after it is up.
+    if (initialised_) picker_->DoGetFormStatus();
+  }
   return initialised_;
 }
 

@@ -18,8 +18,9 @@ class ModulePicker : public mrvk::IHostPicker {
                std::string caption);
   ~ModulePicker() override;
 
-  // Creates the class and calls its Init once; a class that cannot be created is said in a
-  // message box ("不能创建选择列表：" and why) and answers false.
+  // Creates the class and calls its Init once, then DoGetFormStatus (its saved settings); a
+  // class that cannot be created is said in a message box ("不能创建选择列表：" and why) and
+  // answers false. The picker's Clear, when the service goes, saves its settings.
   bool Init(int32_t progID) override;
   mrvk::IHostPickerParameters& Parameters() override { return *parameters_; }
   // Hands the parameters to the picker and asks it.
