@@ -1,6 +1,7 @@
 #include "app/demo_command.h"
 
 #include <cmath>
+#include <filesystem>
 #include <iostream>
 #include <random>
 
@@ -304,7 +305,21 @@ int RunDemo(const std::vector<std::string>& args, std::ostream& out, std::ostrea
     }
   }
   EnsureSqliteFolder(url);
-  kvhost::Host host({.database = url, .user = "admin", .login_date = "", .app_path = "."});
+  // The sheets the demo saves through keep their layout files in a folder of the run's own,
+  // removed at the end: demo data leaves no files beside the database or in the working folder.
+  std::error_code ec;
+  std::filesystem::path scratch = std::filesystem::temp_directory_path(ec) /
+                                  ("mrvk-demo-" + std::to_string(std::random_device{}()));
+  std::filesystem::create_directories(scratch, ec);
+  struct RemoveOnExit {
+    std::filesystem::path path;
+    ~RemoveOnExit() {
+      std::error_code ignored;  // nothing to tell: the folder is the run's scratch
+      std::filesystem::remove_all(path, ignored);
+    }
+  } remove_scratch{scratch};
+  kvhost::Host host(
+      {.database = url, .user = "admin", .login_date = "", .app_path = scratch.string()});
   kvhost::Status st = host.status().ok() ? host.create_schema() : host.status();
   if (!st.ok()) {
     err << "mrvk demo: " << st.message() << "\n";

@@ -2,9 +2,12 @@
 
 #include <ctime>
 #include <functional>
+#include <map>
 
 #include "kvhost/db/schema_builder.h"
 #include "kvhost/host_context.h"
+#include "mrvk/frame/picker_contract.h"
+#include "mrvk/frame/vb.h"
 #include "mrvk/registry.h"
 
 namespace kvhost {
@@ -290,6 +293,15 @@ std::vector<int> Host::screen_ids() const {
   return ids;
 }
 
+const ToolPlace* ToolPlaceOf(const std::string& class_name) {
+  static const std::map<std::string, ToolPlace> places = {
+      {"cFwFy_finish", {"sel_fy", {"FY_MX", "FY_MX_old"}}},
+      {"cFwFy_unfinish", {"sel_fy", {"FY_MX", "FY_MX_old"}}},
+  };
+  auto it = places.find(class_name);
+  return it == places.end() ? nullptr : &it->second;
+}
+
 Status Host::run_tool(const std::string& class_name, int32_t progID, int32_t record, int32_t action,
                       bool& result) {
   result = false;
@@ -300,8 +312,21 @@ Status Host::run_tool(const std::string& class_name, int32_t progID, int32_t rec
   auto* tool = dynamic_cast<mrvk::IToolUI*>(object.get());
   if (!tool) return Status::Error("class \"" + class_name + "\" is not a tool");
   object->AttachSink([this](const mrvk::Event& e) { events_.push_back({0, e}); });
+  const ToolPlace* place = ToolPlaceOf(class_name);
   return guarded(class_name + ".Action", [&] {
     int32_t p = progID, r = record;
+    if (r == 0 && place && !place->picker_key.empty()) {
+      // From the menu: the record comes from the picker of the tool's records, every one of
+      // them listed (no parameter of an earlier use narrows the list).
+      mrvk::IHostPicker* picker = context_->Picker(place->picker_key);
+      if (!picker || !picker->Init(p)) return;
+      picker->Parameters().Clear();
+      std::string text;
+      mrvk::Variant value;
+      if (!picker->Show(text, value)) return;
+      r = static_cast<int32_t>(mrvk::Val(value.ToString()));
+      if (r <= 0) return;
+    }
     if (tool->Init(*context_, p, r)) result = tool->Action(action);
     tool->Clear();
   });

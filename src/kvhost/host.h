@@ -92,6 +92,15 @@ struct HostEvent {
 
 class HostContext;
 
+// Where the host offers a tool that works on one record: the picker it asks a record with
+// when the tool is run from the menu, and the classes of the sheets that offer the tool for
+// the record they show. Null for a tool the host places nowhere in particular.
+struct ToolPlace {
+  std::string picker_key;
+  std::vector<std::string> sheets;
+};
+const ToolPlace* ToolPlaceOf(const std::string& class_name);
+
 class Host {
  public:
   // Opens the database of config. A failure is kept in status(): every later operation then
@@ -115,7 +124,9 @@ class Host {
   Screen* screen(int screen_id);
   std::vector<int> screen_ids() const;
 
-  // Runs a tool: Init with the record, Action, Clear. result gets Action's answer.
+  // Runs a tool: Init with the record, Action, Clear. result gets Action's answer. A tool
+  // run without a record (record 0) whose records have a picker (ToolPlaceOf) first asks
+  // for one with that picker; a cancelled choice runs nothing and leaves result false.
   Status run_tool(const std::string& class_name, int32_t progID, int32_t record, int32_t action,
                   bool& result);
 

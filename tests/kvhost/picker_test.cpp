@@ -246,7 +246,7 @@ TEST_P(PickerTest, DictionaryEmployeesAndLeafAccounts) {
 
   mrvk::IHostPicker& staff = Service("sel_pdmgy");
   ASSERT_TRUE(Validate(staff, "002", value, text));
-  EXPECT_EQ(text + "=" + value.ToString(), "李四=2");
+  EXPECT_EQ(text + "=" + value.ToString(), "王芳=2");
 
   // Below 5502: the leaf accounts only with ismx, never 5502 itself nor 5503.
   Exec("insert into pdmkjkm (科目ID,科目编码,科目名称,是否明细) values (10,'550299','其他',0)");

@@ -143,9 +143,9 @@ const std::vector<SeedRow>& SeedRows() {
       {"pdmxsy", "AutoID, 代码, 名称, 类型ID", "1, '001', '李明', 1"},
       {"pdmxsy", "AutoID, 代码, 名称, 类型ID", "2, '002', '王芳', 1"},
       {"pdmxsy", "AutoID, 代码, 名称, 类型ID", "3, '003', '赵强', 1"},
-      {"PDMgy", "雇员ID, 编号, 姓名", "1, '001', '张三'"},
-      {"PDMgy", "雇员ID, 编号, 姓名", "2, '002', '李四'"},
-      {"PDMgy", "雇员ID, 编号, 姓名", "3, '003', '王五'"},
+      {"PDMgy", "雇员ID, 编号, 姓名", "1, '001', '李明'"},
+      {"PDMgy", "雇员ID, 编号, 姓名", "2, '002', '王芳'"},
+      {"PDMgy", "雇员ID, 编号, 姓名", "3, '003', '赵强'"},
 
       // The income account 5502 and its leaf accounts, which simple rent receipts book to.
       {"pdmkjkm", "科目ID, 科目编码, 科目名称, 是否明细", "1, '5502', '租赁收入', 0"},

@@ -508,11 +508,14 @@ class WebApp::Impl {
       json items = json::array();
       for (const MenuEntry& e : list) {
         if (!ready.count(e.class_name)) ready[e.class_name] = Creatable(e.class_name);
-        items.push_back({{"progID", e.progID},
-                         {"name", e.name},
-                         {"class", e.class_name},
-                         {"kind", KindName(e.class_name)},
-                         {"ready", ready[e.class_name]}});
+        json item = {{"progID", e.progID},
+                     {"name", e.name},
+                     {"class", e.class_name},
+                     {"kind", KindName(e.class_name)},
+                     {"ready", ready[e.class_name]}};
+        // A tool on one record is also offered on the sheets that show such records.
+        if (const ToolPlace* place = ToolPlaceOf(e.class_name)) item["sheets"] = place->sheets;
+        items.push_back(std::move(item));
       }
       out.push_back({{"name", g}, {"entries", std::move(items)}});
     }

@@ -54,7 +54,7 @@ struct WebConfig {
   // How often a session checks that its user is still enabled with the same password.
   std::chrono::seconds recheck_user{60};
   // Entries shown besides those of xt_menu (the test server's screens).
-  std::vector<MenuEntry> extra_menu;
+  std::vector<MenuEntry> extra_menu = {};
   // Set when the server speaks TLS, or sits behind a TLS proxy: the session cookie is then
   // marked Secure.
   bool secure_cookie = false;

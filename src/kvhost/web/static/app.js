@@ -1325,9 +1325,16 @@ async function openScreen(progID, record) {
     return null;
   }
   if (entry.kind === 'tool') {
+    // From the menu a tool on one record asks for it (the host shows the records' picker).
     const a = await settle(await protocol({ op: 'tool', progID, record: record || 0 }), null);
     if (!a.ok) await alertLayer(failure(a, '执行失败'), entry.name);
     else status(entry.name + (a.result ? ' 完成' : ' 未执行'));
+    // Sheets open on records of the tool show them as they now are.
+    for (const t of tabs.filter((x) => (entry.sheets || []).includes((menuEntries.get(x.progID) || {}).class))) {
+      if (t.editing || !(Number(t.state && t.state.GetID) > 0)) continue;
+      await settle(await protocol({ op: 'call', screen: t.screen, method: 'DoSetStatus', args: ['change', false] }), t);
+      await refreshState(t);
+    }
     return null;
   }
   // A sheet already open on the same record comes to the front.
@@ -1590,6 +1597,46 @@ function drawToolbar() {
     bar.append(el('button', { type: 'button', text: label, 'data-cmd': cmd,
       title: label + (SHORTCUTS[cmd] ? ' (' + SHORTCUTS[cmd] + ')' : ''),
       disabled: !on.has(cmd), onclick: () => active && toolbarCommand(active, cmd) }));
+  }
+  // The tools of the record the sheet shows, while it shows one and is not being edited.
+  const tools = sheetTools(active);
+  if (tools.length) bar.append(el('span', { class: 'sep' }));
+  const id = active && active.state ? Number(active.state.GetID) || 0 : 0;
+  const idle = !toolbarBusy && active && !active.editing && !(active.state && active.state.IsDirty);
+  for (const t of tools) {
+    bar.append(el('button', { type: 'button', text: t.name, 'data-tool': String(t.progID),
+      title: t.name + '（当前记录）', disabled: !(idle && id > 0),
+      onclick: () => runSheetTool(active, t) }));
+  }
+}
+
+// The tools the menu offers on the sheet's records (a tool entry names the sheets' classes).
+function sheetTools(tab) {
+  if (!tab) return [];
+  const entry = menuEntries.get(tab.progID);
+  if (!entry) return [];
+  return [...menuEntries.values()].filter((e) => e.kind === 'tool' && e.ready &&
+    (e.sheets || []).includes(entry.class));
+}
+
+// Runs a tool on the record the sheet shows, then the sheet shows that record as it now is.
+async function runSheetTool(tab, tool) {
+  if (toolbarBusy || !tab || !tab.state) return;
+  const id = Number(tab.state.GetID) || 0;
+  if (id <= 0) return;
+  toolbarBusy = true;
+  drawToolbar();
+  try {
+    await afterCommits();
+    const a = await settle(await protocol({ op: 'tool', progID: tool.progID, record: id }), tab);
+    if (!a.ok) { await alertLayer(failure(a, '执行失败'), tool.name); return; }
+    const r = await settle(await protocol({ op: 'call', screen: tab.screen, method: 'DoSetStatus',
+                                            args: ['change', false] }), tab);
+    if (!r.ok) status(failure(r));
+    await refreshState(tab);
+  } finally {
+    toolbarBusy = false;
+    drawToolbar();
   }
 }
 
