@@ -23,9 +23,11 @@ async function typeInto(i, text) {
 }
 
 async function addRoom(room, area, rent) {
+  const before = await roomRows().count();
   await page.locator(`${sheet} [data-control="kvGridF"] button`, { hasText: '增行' }).click();
+  await page.waitForFunction(([sel, n]) => document.querySelectorAll(sel).length === n,
+    [`${sheet} [data-control="kvGridF"] tbody tr`, before + 1]);
   const row = roomRows().last();
-  await row.waitFor();
   for (const [col, text] of [[1, room], [2, area], [3, rent]]) {
     await row.locator(`td[data-col="${col}"]`).dblclick();
     const input = row.locator(`td[data-col="${col}"] input`);
@@ -62,6 +64,9 @@ test('a unit with three rooms is registered, saved, shown again and moved to', a
   await addRoom('B', '25', '1000');
   await addRoom('C', '20', '800');
   await shot(page, '50-housing-rooms');
+  // A rent typed into a cell and saved with Ctrl+S at once, without leaving the cell.
+  await roomRows().last().locator('td[data-col="3"]').dblclick();
+  await roomRows().last().locator('td[data-col="3"] input').fill('850');
   await page.keyboard.press('Control+s');
   await page.waitForSelector('#statusline:text-is("已保存")');
   await idle();
@@ -81,6 +86,7 @@ test('a unit with three rooms is registered, saved, shown again and moved to', a
   await page.waitForFunction((sel) => document.querySelectorAll(sel).length === 3,
     `${sheet} [data-control="kvGridF"] tbody tr`);
   assert.deepEqual(await roomRows().locator('td[data-col="1"]').allTextContents(), ['A', 'B', 'C']);
+  assert.deepEqual(await roomRows().locator('td[data-col="3"]').allTextContents(), ['1200', '1000', '850']);
   assert.deepEqual(await roomRows().locator('td[data-col="4"]').allTextContents(), ['否', '否', '否']);
   await shot(page, '51-housing-shown');
 

@@ -86,8 +86,12 @@ function protocol(request) {
 // clicked straight from a field sees the field's text and its check.
 const commits = new Set();
 async function afterCommits() {
+  // A grid cell still being edited gives its text first (Ctrl+S leaves no cell).
+  if (cellEditorOpen) cellEditorOpen();
   while (commits.size) await Promise.allSettled([...commits]);
 }
+// The commit of the grid cell being edited (text taken, the editor stays where it is), or null.
+let cellEditorOpen = null;
 
 // ---------------------------------------------------------------- status line, alerts
 
@@ -375,12 +379,15 @@ function pickerLayer(p, answer) {
         body.append(tr);
       }
       const controls = el('div', { class: 'ctl-flow' });
-      // The list's rows come as the table below, chosen by index; its own grid and buttons
-      // would not know that choice. Its find field is the search box above the rows.
+      // The list's rows come as the table below, chosen by index; its own grid and the
+      // buttons that choose, tick or close would not know that choice (the layer has its own
+      // 确定 and 取消). Its other buttons (刷新) stay. Its find field is the search box above
+      // the rows.
       const findBox = d.find_box || null;
       const isFindBox = (c) => findBox && c.name === findBox.name && c.index === findBox.index;
+      const choosing = (c) => c.type === 'CommandButton' && /^(确定|确认|取消|全选|全清)/.test(caption(c.caption));
       const own = (d.controls || []).filter((c) =>
-        c.type !== 'VsFlexGrid' && c.type !== 'kvGrid' && c.type !== 'CommandButton' && !isFindBox(c));
+        c.type !== 'VsFlexGrid' && c.type !== 'kvGrid' && !choosing(c) && !isFindBox(c));
       const gesture = (g) => dialogGesture(g, render, resolve, () => layerClose(), 'picker');
       if (!shownOnce && findBox) query = ((d.controls || []).find(isFindBox) || {}).text || '';
       shownOnce = true;
@@ -1104,7 +1111,8 @@ function drawGrid(c, ref, ctx) {
       });
       if (cellEditable(r, ci)) {
         td.classList.add('editable');
-        td.addEventListener('dblclick', () => editCell(grid, td, r, ci));
+        td.edit = () => editCell(grid, td, r, ci);
+        td.addEventListener('dblclick', td.edit);
       } else if (!ctx.delegatesDblclick) {
         td.addEventListener('dblclick', () =>
           ctx.gesture(Object.assign({ gesture: 'cell_dblclick', row: r.row, col: ci }, ref)));
@@ -1279,11 +1287,14 @@ function editCell(grid, td, r, ci, text) {
   const commit = (save, move) => {
     if (done) return;
     done = true;
+    if (cellEditorOpen === flush) cellEditorOpen = null;
     if (memory && memory.get('open ' + grid.key) === opened) memory.delete('open ' + grid.key);
     const text = input.value;
     if (save && text !== old) {
       if (move && grid.ctx.sorts) grid.ctx.sorts.set('edit ' + grid.key, move);
-      grid.ctx.gesture(Object.assign({ gesture: 'cell_edit', row: r.row, col: ci, text }, grid.ref));
+      const run = grid.ctx.gesture(Object.assign({ gesture: 'cell_edit', row: r.row, col: ci, text }, grid.ref));
+      commits.add(run);
+      run.finally(() => commits.delete(run));
       return;
     }
     td.classList.remove('editing');
@@ -1309,7 +1320,12 @@ function editCell(grid, td, r, ci, text) {
     commit(true, move || null);
   });
   if (input.tagName === 'SELECT') input.addEventListener('change', () => commit(true, null));
-  input.addEventListener('blur', () => commit(true, null));
+  const flush = () => commit(true, null);
+  cellEditorOpen = flush;
+  // Leaving the cell takes its text. A redraw that removed the editor is no leaving: the
+  // browser tells the removal as a blur while the editor is still in the page, so the blur
+  // is judged once the redraw is done, and the grid opens that editor again.
+  input.addEventListener('blur', () => setTimeout(() => { if (input.isConnected) commit(true, null); }, 0));
 }
 
 // ---------------------------------------------------------------- tabs and screens
@@ -1434,6 +1450,15 @@ function drawScreen(tab) {
     gesture: (g, noRefresh) => screenGesture(tab, g, noRefresh),
     delegatesDblclick: true,  // screenDblclick
   });
+  if (tab.node.classList.contains('fill')) {
+    // Conditions above a list's grid flow in rows, so the grid keeps the height.
+    const loose = [...tab.node.children].filter((n) => !n.classList.contains('grid-box'));
+    if (loose.length) {
+      const conditions = el('div', { class: 'ctl-flow conditions' });
+      tab.node.insertBefore(conditions, loose[0]);
+      conditions.append(...loose);
+    }
+  }
   if (listSheet) tab.node.prepend(searchBar(tab));
   for (const [key, [top, left]] of gridScroll) {
     const w = tab.node.querySelector(`[data-control="${CSS.escape(key)}"] > .grid-wrap`);
@@ -1487,15 +1512,20 @@ function isLongList(c) {
   return win.shown !== undefined || (c.rows || 0) - (c.fixed_rows || 0) > (win.count || 0);
 }
 
-// A double click on a cell of a screen's grid (but an editable one, which edits in place).
-// It is taken on the screen, not the cell: the first click's redraw may have replaced the
+// A double click on a cell of a screen's grid (an editable one edits in place). It is taken
+// on the screen, not the cell: the first click's redraw may have replaced the
 // cell under the pointer, so the cell is found where the pointer is.
 function screenDblclick(tab, e) {
   const hit = document.elementFromPoint(e.clientX, e.clientY);
   const td = hit && hit.closest('td[data-col]');
   const tr = td && td.closest('tr[data-row]');
   const holder = tr && tr.closest('[data-control]');
-  if (!holder || !tab.node.contains(holder) || td.classList.contains('editable')) return;
+  if (!holder || !tab.node.contains(holder)) return;
+  if (td.classList.contains('editable')) {
+    // The cell under the pointer may be a new one drawn after the first click.
+    if (td.edit) td.edit();
+    return;
+  }
   const [, name, index] = /^(.*?)(?:\((-?\d+)\))?$/.exec(holder.dataset.control);
   const ref = { control: name };
   if (index !== undefined) ref.index = Number(index);
