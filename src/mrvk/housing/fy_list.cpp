@@ -8,6 +8,7 @@
 #include "mrvk/frame/grid_layout.h"
 #include "mrvk/frame/print_pipeline.h"
 #include "mrvk/frame/vb.h"
+#include "mrvk/housing/housing_lookups.h"
 
 namespace mrvk {
 namespace {
@@ -342,53 +343,19 @@ bool FY_List::PrintList(bool direct, bool setup) {
 }
 
 IHostPicker* FY_List::FieldPicker(int index) {
-  const char* key = index == kEstate        ? "sel_id_j"
-                    : index == kSalesman    ? "sel_pdmgy"
-                    : DictionaryType(index) ? "sel_pdmsjzd"
-                                            : nullptr;
-  if (!key) return nullptr;
-  IHostPicker* picker = context_->Picker(key);
-  if (!picker || !picker->Init(prog_id_)) return nullptr;
-  IHostPickerParameters& p = picker->Parameters();
-  if (index == kEstate) {
-    p.Item("FieldName").Value = Variant("物业名称");
-    p.Item("SQL").Value = Variant(" Select 物业ID,物业编号,物业名称 From fwwy WHERE 1=1");
-    p.Item("Valid").Value = Variant(" 物业编号='@' or 物业名称='@'");
-    p.Item("Order").Value = Variant(" 物业编号,物业名称");
-    p.Item("MxCzID").Value = Variant("");
-  } else if (const char* type = DictionaryType(index)) {
-    p.Item("Lx").Value = Variant(type);
-  }
-  return picker;
+  if (index == kEstate) return LookupPicker(*context_, prog_id_, HousingLookup::kEstate);
+  if (index == kSalesman) return LookupPicker(*context_, prog_id_, HousingLookup::kSalesman);
+  if (const char* type = DictionaryType(index))
+    return LookupPicker(*context_, prog_id_, HousingLookup::kDictionary, type);
+  return nullptr;
 }
 
 void FY_List::FieldPicked(int index, std::string& text, Variant& value) {
-  IHostPicker* picker = FieldPicker(index);
-  if (!picker) return;
-  std::string chosen_text;
-  Variant chosen_value = value;
-  if (picker->Show(chosen_text, chosen_value)) {
-    text = chosen_text;
-    value = chosen_value;
-  }
+  (void)PickFromList(FieldPicker(index), text, value);  // a cancel leaves the field as it was
 }
 
-void FY_List::FieldTyped(int index, const std::string& typed_text, Variant& value,
-                         std::string& text) {
-  // The field's own Text may come in as both the typed text and the result: keep a copy.
-  const std::string typed = typed_text;
-  IHostPicker* picker = FieldPicker(index);
-  if (!picker) return;
-  Variant found_value;
-  std::string found_text;
-  picker->Validate("", "", "", typed, found_value, found_text);
-  if (Val(found_value.ToString()) == 0) {
-    value = Variant(int32_t{0});
-    text = typed;
-  } else {
-    value = found_value;
-    text = found_text;
-  }
+void FY_List::FieldTyped(int index, const std::string& typed, Variant& value, std::string& text) {
+  (void)CheckTypedText(FieldPicker(index), typed, value, text);  // no picker: nothing to check
 }
 
 std::unique_ptr<ModuleObject> NewFY_List() { return std::make_unique<FY_List>(); }

@@ -5,6 +5,7 @@
 #include "mrvk/frame/print_pipeline.h"
 #include "mrvk/frame/transaction.h"
 #include "mrvk/frame/vb.h"
+#include "mrvk/housing/housing_lookups.h"
 
 namespace mrvk {
 namespace {
@@ -212,62 +213,26 @@ void FY_MX::ShowPage(int button) {
 }
 
 IHostPicker* FY_MX::FieldPicker(int index) {
-  const char* key = index == 1 || index == 19 ? "sel_id_j"
-                    : index == 15             ? "sel_pdmgy"
-                    : DictionaryType(index)   ? "sel_pdmsjzd"
-                                              : nullptr;
-  if (!key) return nullptr;
-  IHostPicker* picker = context_->Picker(key);
-  if (!picker || !picker->Init(prog_id_)) return nullptr;
-  IHostPickerParameters& p = picker->Parameters();
-  if (index == 1) {
-    p.Item("FieldName").Value = Variant("物业名称");
-    p.Item("SQL").Value = Variant(" Select 物业ID,物业编号,物业名称 From fwwy WHERE 1=1");
-    p.Item("Valid").Value = Variant(" 物业编号='@' or 物业名称='@'");
-    p.Item("Order").Value = Variant(" 物业编号,物业名称");
-    p.Item("MxCzID").Value = Variant("");
-  } else if (index == 19) {
-    p.Item("FieldName").Value = Variant("业主名称");
-    p.Item("SQL").Value = Variant(" Select 业主ID,业主编号,业主名称 From fwyz where 类型=0");
-    p.Item("Valid").Value = Variant(" 业主编号='@' or 业主名称='@'");
-    p.Item("Order").Value = Variant(" 业主编号,业主名称");
-    p.Item("MxCzID").Value = Variant("");
-  } else if (const char* type = DictionaryType(index)) {
-    p.Item("Lx").Value = Variant(type);
-  }
-  return picker;
+  if (index == 1) return LookupPicker(*context_, prog_id_, HousingLookup::kEstate);
+  if (index == 19) return LookupPicker(*context_, prog_id_, HousingLookup::kOwner);
+  if (index == 15) return LookupPicker(*context_, prog_id_, HousingLookup::kSalesman);
+  if (const char* type = DictionaryType(index))
+    return LookupPicker(*context_, prog_id_, HousingLookup::kDictionary, type);
+  return nullptr;
 }
 
 void FY_MX::FieldPicked(int index, std::string& text, Variant& value) {
   IHostPicker* picker = FieldPicker(index);
   if (!picker) return;
-  std::string chosen_text;
-  Variant chosen_value = value;
-  if (picker->Show(chosen_text, chosen_value)) {
-    text = chosen_text;
-    value = chosen_value;
-    dirty_ = true;
-  }
+  if (PickFromList(picker, text, value)) dirty_ = true;
   if (index == 19) GetYzMess(value);
 }
 
+// A name not found stays, without an ID, until SavePDM resolves it.
 void FY_MX::FieldTyped(int index, const std::string& typed_text, Variant& value,
                        std::string& text) {
-  // The field's own Text may come in as both the typed text and the result: keep a copy.
   const std::string typed = typed_text;
-  IHostPicker* picker = FieldPicker(index);
-  if (!picker) return;
-  Variant found_value;
-  std::string found_text;
-  picker->Validate("", "", "", typed, found_value, found_text);
-  if (Val(found_value.ToString()) == 0) {
-    // Not found: the typed text stays, without an ID, until SavePDM resolves it.
-    value = Variant(int32_t{0});
-    text = typed;
-  } else {
-    value = found_value;
-    text = found_text;
-  }
+  if (!CheckTypedText(FieldPicker(index), typed, value, text)) return;
   if (index == 19) {
     GetYzMess(value);
     // An owner not found keeps the typed name while the other owner fields are cleared.
