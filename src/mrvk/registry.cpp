@@ -48,6 +48,7 @@ Factories& Registered() {
   std::call_once(once, [] {
     RegisterMasterClasses(f.by_name);
     RegisterHousingClasses(f.by_name);
+    RegisterContractClasses(f.by_name);
   });
   return f;
 }

@@ -29,8 +29,9 @@ using ClassFactory = std::function<std::unique_ptr<ModuleObject>()>;
 // The factories by class name; each family of classes adds its own (RegisterMasterClasses,
 // RegisterHousingClasses, ...), so a new class touches only its family's unit.
 using ClassFactories = std::map<std::string, ClassFactory, std::less<>>;
-void RegisterMasterClasses(ClassFactories& factories);   // mrvk/master/master_classes.cpp
-void RegisterHousingClasses(ClassFactories& factories);  // mrvk/housing/housing_classes.cpp
+void RegisterMasterClasses(ClassFactories& factories);    // mrvk/master/master_classes.cpp
+void RegisterHousingClasses(ClassFactories& factories);   // mrvk/housing/housing_classes.cpp
+void RegisterContractClasses(ClassFactories& factories);  // mrvk/contract/contract_classes.cpp
 
 // Creates the named class. Returns null with a one-line reason in error when the name is
 // unknown, names a dialog or a module of procedures (which the host never creates), or names
