@@ -1,8 +1,11 @@
 // The rental contract family: the contract sheets and the contract picker.
+#include "mrvk/contract/sel_ht.h"
 #include "mrvk/registry.h"
 
 namespace mrvk {
 
-void RegisterContractClasses([[maybe_unused]] ClassFactories& f) {}
+void RegisterContractClasses(ClassFactories& f) {
+  f["Sel_HT"] = [] { return NewSel_HT(); };
+}
 
 }  // namespace mrvk

@@ -3,132 +3,22 @@
 // text), its Text the 房源编号. The list can be narrowed by estate, layout and rental state
 // and searched through SearchBox1, which either moves to the first hit or (chkFilter) hides
 // the rows without one. With the parameter New = 1 it lists only units with something free.
+// The screen and its handling are the pickers' with a search box (SearchPicker).
 #pragma once
 
 #include <memory>
 #include <string>
-#include <vector>
 
-#include "kvhost/lib/control_list.h"
-#include "kvhost/lib/convert.h"
-#include "kvhost/lib/form_tools.h"
-#include "kvhost/lib/kv_txt.h"
-#include "kvhost/lib/search_box.h"
-#include "kvhost/lib/simple_controls.h"
-#include "kvhost/lib/vs_flex_grid.h"
-#include "mrvk/frame/host_contract.h"
-#include "mrvk/frame/picker_contract.h"
-#include "mrvk/frame/vb.h"
+#include "mrvk/frame/search_picker.h"
 
 namespace mrvk {
 
-class Sel_FY : public ModuleObject, public IPickerUI, public IDesignUI, public IPickerList {
+class Sel_FY : public SearchPicker {
  public:
   Sel_FY();
 
   std::string ClassName() const override { return "Sel_FY"; }
-
-  // IDesignUI: the screen's own controls; written parameters are not read.
-  kvhost::ControlList& Controls() override { return controls_; }
-  void SetParameters(std::shared_ptr<IParameters>) override {}
-
-  // IPickerUI
-  bool Init(IHostContext& context, int32_t progID, const std::string& name) override;
-  // Writes the search settings, then lets go of everything.
-  bool Clear() override;
-  bool Refresh() override;
-  bool GetIsDirty() override { return false; }
-  void SetIsDirty(bool) override {}
-  // The search settings, in the layout file of the class's name (AppPath/selfbb/Sel_FY.txt),
-  // section "Search": "Field" + i whether SearchBox1 searches column i, "Filter" whether
-  // chkFilter is ticked.
-  void DoGetFormStatus() override;
-  void DoSaveFormStatus() override;
-  std::string Attributes(const std::string&) override { return ""; }
-  std::shared_ptr<IHostPickerParameters> GetPickerParameters() override { return parameters_; }
-  void SetPickerParameters(std::shared_ptr<IHostPickerParameters> parameters) override;
-  Variant GetValue() override { return value_; }
-  void SetValue(const Variant& value) override { value_ = value; }
-  std::string GetText() override { return text_; }
-  // Keeps the text, puts it into SearchBox1 and searches for it.
-  void SetText(const std::string& text) override;
-  IPickerObject* Objects() override { return nullptr; }
-  // The first unit, within the filters, whose name or number begins with the typed text.
-  bool Validate(const std::string& key, const std::string& value_column,
-                const std::string& text_column, const std::string& input, Variant& value,
-                std::string& text) override;
-
-  // IPickerList: a front end's answer with row indexes.
-  kvhost::VsFlexGrid& ListGrid() override { return Vs; }
-  const kvhost::Control* FindBox() const override { return &SearchBox1; }
-  bool MultipleRows() const override { return false; }
-  void ChooseRows(const std::vector<int>& rows) override;
-  void CancelChoice() override { Cmd_Click(kCancel); }
-
-  // The screen.
-  kvhost::ControlArray<kvhost::KvTxt> kvTxt{"kvTxt"};
-  kvhost::VsFlexGrid Vs{"Vs"};
-  kvhost::SearchBox SearchBox1{"SearchBox1"};
-  kvhost::CheckBox chkFilter{"chkFilter"};
-  kvhost::ControlArray<kvhost::CommandButton> Cmd{"Cmd"};
-
-  // The filter fields.
-  static constexpr int kEstate = 0;
-  static constexpr int kLayout = 1;
-  static constexpr int kState = 2;
-  // The buttons.
-  static constexpr int kSelect = 0;
-  static constexpr int kCancel = 1;
-  static constexpr int kRefresh = 2;
-  // The grid's columns.
-  static constexpr int kColID = 0;
-  static constexpr int kColNumber = 1;
-
- private:
-  // The list: the statement with the filters, GetRows into the grid.
-  void LoadData();
-  // The statement of the list and of Validate up to its order: the filters of the three
-  // fields, or with New = 1 the units with something free.
-  std::string FilteredStatement();
-  // The numeric value of the parameter New; 0 when it is not there.
-  int NewMode() const;
-  // The current row gives Value and Text (a row above the data rows, or none, gives "0"
-  // and ""), then DoSelect.
-  void Select();
-  // Searches the rows for SearchBox1's text: see the definition.
-  void Search();
-  // Shows every row again.
-  void ShowAllRows();
-  // A typed estate or layout looked up by the field's statement; see the definition.
-  void CheckTyped(kvhost::KvTxt& field, const std::string& typed, Variant& value,
-                  std::string& text);
-  void Cmd_Click(int index);
-  void Vs_KeyDown(int key_code, int shift);
-
-  // The handler of last resort: a run-time failure in fn is shown with the title "错误：".
-  template <typename Fn>
-  bool Guarded(Fn&& fn);
-
-  kvhost::ControlList controls_;
-  IHostContext* context_ = nullptr;
-  int32_t prog_id_ = 0;
-  std::shared_ptr<IHostPickerParameters> parameters_;
-  std::unique_ptr<kvhost::FormTools> tools_;
-  std::unique_ptr<kvhost::Convert> convert_;
-  Variant value_;
-  std::string text_;
 };
-
-template <typename Fn>
-bool Sel_FY::Guarded(Fn&& fn) {
-  try {
-    fn();
-    return true;
-  } catch (const VbError& e) {
-    MsgBox(e.Description(), msgbox::kCritical, "错误：");
-    return false;
-  }
-}
 
 std::unique_ptr<ModuleObject> NewSel_FY();
 

@@ -130,6 +130,15 @@ select A.房源编号,A.房源名称,B.物业名称,C.楼宇名称,A.朝向,A.�
 -- housing list: no state ticked
  SELECT FwFy.房源ID, FwFy.房源编号, FwWy.物业名称, FwFy.房源名称, FwFy.所属区域, FwFy.楼宇类型, FwFy.物业用途,       FwFy.户型, FwFy.面积, FwFy.楼层, FwFy.总楼层, PDMXSY.名称 As 业务员, FwFy.出租价格, FwFy.出租状态  FROM (FwFy LEFT JOIN FwWy ON FwFy.物业ID = FwWy.物业ID) LEFT JOIN PDMXSY ON FwFy.业务员ID = PDMXSY.AutoID WHERE 1=1 and 1<>1
 ;;
+-- contract picker: approved contracts of an estate, a layout and a state
+ SELECT fwhd.合同ID,FwHd.合同编号,FwYz.业主名称,FwYz.电话,FwFy.房源编号,FwFy.房源名称,FwWy.物业名称,FwFy.具体地址,FwHd.起租日期,FwHd.止租日期,FwHd.租赁期,FwHd.收款期间   FROM (((FwHd LEFT JOIN FwHdMx ON FwHd.合同ID = FwHdMx.合同ID)     LEFT JOIN FwFy ON FwHdMx.房源ID = FwFy.房源ID)     LEFT JOIN FwYz ON FwHd.客户ID = FwYz.业主ID)     LEFT JOIN FwWy ON FwFy.物业ID = FwWy.物业ID   where fwhd.smark='02' and fwwy.物业名称='O''Hara 苑' and fwfy.户型='两室一厅' and fwhd.状态='生效'   ORDER BY Fwhd.合同编号
+;;
+-- contract picker: contracts in force for a receipt
+ SELECT fwhd.合同ID,FwHd.合同编号,FwYz.业主名称,FwYz.电话,FwFy.房源编号,FwFy.房源名称,FwWy.物业名称,FwFy.具体地址,FwHd.起租日期,FwHd.止租日期,FwHd.租赁期,FwHd.收款期间   FROM (((FwHd LEFT JOIN FwHdMx ON FwHd.合同ID = FwHdMx.合同ID)     LEFT JOIN FwFy ON FwHdMx.房源ID = FwFy.房源ID)     LEFT JOIN FwYz ON FwHd.客户ID = FwYz.业主ID)     LEFT JOIN FwWy ON FwFy.物业ID = FwWy.物业ID   where fwhd.smark='02' and fwhd.状态='生效'   ORDER BY Fwhd.合同编号
+;;
+-- contract picker: typed contract or unit number checked
+ SELECT fwhd.合同ID,FwHd.合同编号,FwYz.业主名称,FwYz.电话,FwFy.房源编号,FwFy.房源名称,FwWy.物业名称,FwFy.具体地址,FwHd.起租日期,FwHd.止租日期,FwHd.租赁期,FwHd.收款期间   FROM (((FwHd LEFT JOIN FwHdMx ON FwHd.合同ID = FwHdMx.合同ID)     LEFT JOIN FwFy ON FwHdMx.房源ID = FwFy.房源ID)     LEFT JOIN FwYz ON FwHd.客户ID = FwYz.业主ID)     LEFT JOIN FwWy ON FwFy.物业ID = FwWy.物业ID   where fwhd.smark='02' and fwwy.物业名称='阳光花园'  AND ( Fwhd.合同编号 like 'HT''0%' OR FwFy.房源编号 Like 'HT''0%' )
+;;
 -- collection schedule: drop the contract's rows
  DELETE FROM fwhdfs_sk where 合同ID=701
 ;;
