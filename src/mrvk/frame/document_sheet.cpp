@@ -26,7 +26,7 @@ bool DocumentSheet::Clear() {
 }
 
 void DocumentSheet::BuildSelection() {
-  selection_ = "1=1";
+  selection_ = BaseSelection();
   if (document_id_ > 0)
     selection_ += " and " + design_.key_column + "=" + std::to_string(document_id_);
   if (!filter_text_.empty()) selection_ += " AND " + filter_text_;

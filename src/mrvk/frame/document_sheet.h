@@ -86,12 +86,15 @@ class DocumentSheet : public ModuleObject, public IFormUI, public IDesignUI {
   virtual void UpdateForm(Recordset& rs, const std::string& position) = 0;
   // The filter text came into force or went (the sheet shows it, e.g. LabFilter).
   virtual void FilterShown(bool in_force) { (void)in_force; }
+  // The start of the selection text before the fixed document and the filter: "1=1" by
+  // default; a sheet that walks over part of its table only says which part.
+  virtual std::string BaseSelection() { return "1=1"; }
   // The statements whose rows make up the record as the sheet shows and saves it, for the
   // record's ID: by default its table's row. A sheet with detail rows adds theirs.
   virtual std::vector<std::string> RecordStatements(int32_t id) const;
 
-  // Rebuilds the selection text: "1=1", " and <key>=<document ID>" when the sheet is fixed
-  // on a document, " AND <filter text>" while a filter is in force.
+  // Rebuilds the selection text: BaseSelection(), " and <key>=<document ID>" when the sheet is
+  // fixed on a document, " AND <filter text>" while a filter is in force.
   void BuildSelection();
   // Navigate in the direction from the current ID: a miss (Null) clears the form, a failure
   // is reported with the tag + "-->LoadData::"; otherwise the form shows the record. Then the

@@ -139,6 +139,33 @@ select A.房源编号,A.房源名称,B.物业名称,C.楼宇名称,A.朝向,A.�
 -- contract picker: typed contract or unit number checked
  SELECT fwhd.合同ID,FwHd.合同编号,FwYz.业主名称,FwYz.电话,FwFy.房源编号,FwFy.房源名称,FwWy.物业名称,FwFy.具体地址,FwHd.起租日期,FwHd.止租日期,FwHd.租赁期,FwHd.收款期间   FROM (((FwHd LEFT JOIN FwHdMx ON FwHd.合同ID = FwHdMx.合同ID)     LEFT JOIN FwFy ON FwHdMx.房源ID = FwFy.房源ID)     LEFT JOIN FwYz ON FwHd.客户ID = FwYz.业主ID)     LEFT JOIN FwWy ON FwFy.物业ID = FwWy.物业ID   where fwhd.smark='02' and fwwy.物业名称='阳光花园'  AND ( Fwhd.合同编号 like 'HT''0%' OR FwFy.房源编号 Like 'HT''0%' )
 ;;
+-- contract sheet: the last contract of the key within the months back
+select top 1 * from ( SELECT FwHd.*, FwHdMx.房源ID, PDMgy.姓名 AS 业务员, FwYz.业主名称, FwYz.电话, FwYz.性别, FwYz.身份证号, FwYz.工作单位, FwYz.籍贯,        FwYz.备注 As 客户备注, FwFy.房源编号, FwFy.房源名称, FwWy.物业名称, FwFy.户型,  FwFy.装修程度, FwFy.具体地址,        Fwhdmx.基础设施, Fwhdmx.配套设施   FROM ((((FwHd INNER JOIN FwHdMx ON FwHd.合同ID = FwHdMx.合同ID)     LEFT JOIN FwFy ON FwHdMx.房源ID = FwFy.房源ID)     LEFT JOIN FwYz ON FwHd.客户ID = FwYz.业主ID)     LEFT JOIN PDMGY ON FwHd.业务员ID = PDMgy.雇员ID)     LEFT JOIN FwWy ON FwFy.物业ID = FwWy.物业ID) q where progid=870201 and 合同日期>=#2011-10-01# and 合同日期<#2012-11-01# AND 业主名称 like 'O''Neil%' order by 合同ID desc
+;;
+-- contract sheet: the fee terms of the contract shown
+ SELECT 费用名称,是否包干,包干价,是否预收,度数,单价,收款期间,合同明细ID FROM fwhdfs WHERE 合同ID=701 order by 序号
+;;
+-- contract sheet: the unit picked
+ SELECT FwFy.房源ID, FwFy.房源编号, FwFy.房源名称, FwWy.物业名称, FwFy.户型, FwFy.面积, FwFy.装修程度, FwFy.具体地址,        FwFy.基础设施, FwFy.基础设施其他, FwFy.配套设施, FwFy.配套设施其他,fwfy.出租价格   FROM FwFy LEFT JOIN FwWy ON FwFy.物业ID = FwWy.物业ID  where fwfy.房源ID=301
+;;
+-- contract sheet: the fee names of a new lease
+ SELECT 名称 from pdmsjzd where 类型='费用名称' order by 代码
+;;
+-- contract sheet: the tenant picked
+ SELECT 业主ID,业主编号,业主名称,电话,备注,联系人电话,性别,身份证号,工作单位,籍贯   FROM fwyz  where 业主ID=401
+;;
+-- contract sheet: the payment mode chosen
+ SELECT 付租月份,押金月份   FROM pdmfzfs  where 付租方式='押二付三'
+;;
+-- contract sheet: the room chosen
+ SELECT 面积,月租金   FROM fwfy_fz  where 房间号='A''1' and 房源id=301
+;;
+-- contract sheet: the unit's area and rent without a room
+ select 面积,出租价格 from fwfy where 房源ID=301
+;;
+-- contract sheet: the house line of the print
+ SELECT 楼层,房源名称,楼宇类型 from fwfy where 房源ID=301
+;;
 -- collection schedule: drop the contract's rows
  DELETE FROM fwhdfs_sk where 合同ID=701
 ;;
