@@ -282,6 +282,15 @@ TEST_P(ZfHd2Test, AContractShowsItsFieldsTenantAndFeeTerms) {
   EXPECT_FALSE(sheet_->PicHT.Visible);
   EXPECT_TRUE(sheet_->Toolbar1.Buttons()[2].Pressed);
   EXPECT_FALSE(sheet_->Toolbar1.Buttons()[0].Pressed);
+  // A state changed elsewhere: "change" shows the contract again, any other status the last.
+  Exec("update fwhd set 状态='终止' where 合同ID=3");
+  ASSERT_TRUE(Call("DoSetStatus", {Variant("change"), Variant(false)}));
+  EXPECT_EQ(sheet_->Lab_Status.Caption, "终止");
+  ASSERT_TRUE(Call("RecordTop"));
+  ASSERT_TRUE(Call("DoSetStatus", {Variant("check"), Variant(false)}));
+  EXPECT_EQ(Shown(), "HT-C 记录：2/2");
+  EXPECT_TRUE(sheet_->Lab_Succeed.Visible);
+  EXPECT_TRUE(sheet_->kvTxt[2].Locked);
   ASSERT_TRUE(Call("RecordTop"));
   EXPECT_EQ(Answer("CheckStatus", {Variant("")}), "False");
   EXPECT_EQ(sheet_->Lab_Status.Caption, "未生效");

@@ -189,8 +189,10 @@ void zfHd_2::InitBaseValue() {
       FieldTyped(i, typed, value, text);
     };
   }
-  // A tenant the lists do not know yet is typed in full; the save creates the party.
-  kvTxt[4].Config.FreeText = true;
+  // A tenant the lists do not know yet is typed in full; the save creates the party. A
+  // payment mode or room no list row answers stays as typed, its fill run with what it finds
+  // (nothing); a room's value is its number, not an ID.
+  for (int index : {4, 44, 45}) kvTxt[index].Config.FreeText = true;
   // A payment mode or room changed in any way fills in what depends on it.
   kvTxt[44].Change = [this] { GetFzMess(kvTxt[44].Text); };
   kvTxt[45].Change = [this] { GetFJMess(kvTxt[45].Text); };
