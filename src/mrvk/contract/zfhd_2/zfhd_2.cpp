@@ -168,12 +168,19 @@ void zfHd_2::InitBaseValue() {
     const bool own =
         std::find(std::begin(kPickerFields), std::end(kPickerFields), i) != std::end(kPickerFields);
     if (!own) {
-      // The other fields go to the host's own lists, should one be bound to them.
-      field->ShowPicker = [this, i](std::string& text, Variant& value) {
+      // The other fields go to the host's own lists, should one be bound to them; a field
+      // without one has nothing to show or check.
+      const auto bound = [this, i] {
+        return !kvTxt[i].Config.PickerKey.empty() || !kvTxt[i].Config.ValidateSql.empty();
+      };
+      field->ShowPicker = [this, i, bound](std::string& text, Variant& value) {
+        if (!bound()) return;
         dirty_ = true;
         context_->ShowPicker(kvTxt[i], text, value);
       };
-      field->CheckPicker = [this, i](const std::string& typed, Variant& value, std::string& text) {
+      field->CheckPicker = [this, i, bound](const std::string& typed, Variant& value,
+                                            std::string& text) {
+        if (!bound()) return;
         dirty_ = true;
         context_->CheckPicker(kvTxt[i], typed, value, text);
       };
