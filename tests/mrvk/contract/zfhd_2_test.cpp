@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "kvhost/lib/print_data.h"
 #include "mrvk/contract/b_mode.h"
 #include "support/sheet_test.h"
@@ -217,10 +219,28 @@ TEST_P(ZfHd2Test, FindAndFilterGoByTheDeclaredFieldsWithinTheSpan) {
     ASSERT_TRUE(Call("Find", {Condition(1, m.value, m.field, m.op)}));
     EXPECT_EQ(Shown(), " 记录：0/0") << m.value;
   }
-  ASSERT_TRUE(Call("Find", {Condition(1, "李四", "租客姓名", "=")}));
-  EXPECT_EQ(Text(2), "HT-C");
-  ASSERT_TRUE(Call("Find", {Condition(1, "B-201", "房源编号", "=")}));
-  EXPECT_EQ(Text(2), "HT-C");
+  // Every declared field, on the columns of the load statement.
+  struct Hit {
+    const char* field;
+    const char* op;
+    const char* value;
+    const char* number;
+  };
+  const Hit hits[] = {
+      {"合同编号", "=", "HT-C", "HT-C"},       {"合同日期", "=", "2012-10-31", "HT-C"},
+      {"租客姓名", "=", "李四", "HT-C"},       {"联系电话", "=", "137", "HT-B"},
+      {"房源编号", "=", "B-201", "HT-C"},      {"房源名称", "=", "O'Hara 201", "HT-C"},
+      {"物业名称", "like", "阳光", "HT-B"},    {"业务员", "=", "王芳", "HT-C"},
+      {"付租方式", "=", "押二付三", "HT-C"},   {"状态", "=", "生效", "HT-C"},
+      {"起租日期", "=", "2012-11-01", "HT-C"}, {"止租日期", ">=", "2013-01-01", "HT-C"},
+      {"月租金", ">", "100", "HT-C"},          {"制单人", "=", "张三", "HT-C"},
+  };
+  ASSERT_EQ(std::size(hits), sheet_->SearchFields().size());
+  for (const Hit& h : hits) {
+    ASSERT_TRUE(Call("RecordTop"));
+    ASSERT_TRUE(Call("Find", {Condition(1, h.value, h.field, h.op)}));
+    EXPECT_EQ(Text(2), h.number) << h.field;
+  }
   // A field the sheet does not declare is refused and changes nothing.
   Variant ignored;
   EXPECT_EQ(host().invoke(*screen_, "Find", {Condition(1, "1", "合同ID", "=")}, ignored).message(),
@@ -445,6 +465,13 @@ TEST_P(ZfHd2Test, ThePrintDataFileHoldsTheFieldsTheHouseAndTheFeeTerms) {
                         "行号|费用名称|单价/月|预收|后付|度数|单价/度|收款期间|***",
                         "1|房租|900|√||||3|***", "2|水费||||120.5|3.2|1|***",
                         "3|物业管理费|50||√|||3|***"}));
+
+  // The fee grid's widths are kept under the function key across a close.
+  Gest("kvGrid", -1, {"col_width", "2400", -1, 1});
+  ASSERT_TRUE(host().close(screen_->id).ok());
+  Open();
+  EXPECT_EQ(sheet_->fees.kvGrid.ColWidth(1), 2400);
+  EXPECT_TRUE(std::filesystem::exists(app_path() + "/selfbb/870201.txt"));
 }
 
 MRVK_ON_BOTH_ENGINES(ZfHd2Test);
