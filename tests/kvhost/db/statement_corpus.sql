@@ -175,6 +175,42 @@ select top 1 * from ( SELECT FwHd.*, FwHdMx.房源ID, PDMgy.姓名 AS 业务员,
 -- collection schedule: insert one period
  insert into fwhdfs_sk (AutoID,合同ID,费用名称,是否包干,是否预收,收款期间,收款日期,起始日期,结束日期,上期度数,是否最后一期,序号,是否已收) values (1101,701,'房租',1,1,3,'2012-10-15','2012-10-15','2013-01-14',0,0,1,0)
 ;;
+-- contract approval: the state of the unit
+ select 出租状态 from fwfy where 房源ID=301
+;;
+-- contract approval: mark the contract approved
+ Update fwhd Set progID=870201,smark='02', 状态='生效', 审核人='O''Neil', 审核日期=#2012-10-11#, 系统='审核' Where 合同ID=701
+;;
+-- rental state: the room held by a contract in force
+ SELECT 房源ID FROM fwhd inner join fwhdmx on fwhd.合同ID=fwhdmx.合同ID  where fwhdmx.房源ID=301 and 分租房间='A''1'    and smark='02' and 状态='生效'
+;;
+-- rental state: the room's let flag
+ UPDATE fwfy_fz   set 是否出租=1  where 房源ID=301 and 房间号='A''1'
+;;
+-- rental state: a whole-unit contract in force
+ SELECT 房源ID FROM fwhd inner join fwhdmx on fwhd.合同ID=fwhdmx.合同ID  where fwhdmx.房源ID=301 and 分租房间='' and smark='02' and 状态='生效'
+;;
+-- rental state: the rooms of the unit
+ select 是否出租 from fwfy_fz where 房源ID=301
+;;
+-- rental state: the unit's state
+ UPDATE fwfy     SET 出租状态='部分出租'   WHERE 房源ID=301
+;;
+-- contract un-approval: a receipt naming the contract
+ SELECT 合同ID from fwjs where  合同ID=701
+;;
+-- contract un-approval: mark the contract not approved
+ Update fwhd Set progID=870201,smark='01',  状态='未生效', 审核人='O''Neil', 审核日期=#2012-10-11#, 系统='填单' Where 合同ID=701
+;;
+-- contract delete: drop the contract
+Delete from fwhd where 合同ID=701
+;;
+-- contract delete: drop its unit row
+Delete from fwhdmx where 合同ID=701
+;;
+-- contract delete: drop its fee terms
+Delete from fwhdfs where 合同ID=701
+;;
 -- housing register delete: unit named by a contract
  select 房源ID from fwhdmx where 房源ID=502
 ;;

@@ -6,8 +6,9 @@
 //
 // From the document-sheet frame it takes navigation, find, filter and the selection text; it
 // adds its fields and pages, the pickers behind the fields and what they fill in (the unit,
-// the tenant, the payment mode, the room let), new, edit and cancel, the approved mark and
-// the print data file. Saving, approval and deletion are not served yet: they answer false.
+// the tenant, the payment mode, the room let), new, edit and cancel, the approved mark, the
+// print data file, approval, un-approval and delete. Saving is not served yet: it answers
+// false.
 #pragma once
 
 #include <memory>
@@ -34,12 +35,17 @@ class zfHd_2 : public DocumentSheet, public IFormToolUI {
   bool FileNew() override;
   bool FileEdit() override;
   bool FileCancel() override;
-  // The save, approval, un-approval and delete of a contract are the sheet's next steps;
-  // until they are built these answer false and change nothing.
+  // The save of a contract is the sheet's next step; until it is built it answers false
+  // and changes nothing.
   bool FileSave() override { return false; }
-  bool Check() override { return false; }
-  bool UnCheck() override { return false; }
-  bool FileDelete() override { return false; }
+  // Approval, un-approval and delete (zfhd_2_check.cpp). Check refuses an incomplete
+  // contract, marks it approved, rebuilds its schedule from the lease as shown and derives the
+  // rental state anew, statement by statement without a bracket; UnCheck, refused once a
+  // receipt names the contract, takes all of that back. FileDelete gives the number back,
+  // asks, then deletes the contract with its unit row and fee terms in one bracket.
+  bool Check() override;
+  bool UnCheck() override;
+  bool FileDelete() override;
   bool DoPrint() override;
   bool PrintPreview() override { return DoPrint(); }
   bool PrintSetup() override { return DoPrint(); }
@@ -98,6 +104,8 @@ class zfHd_2 : public DocumentSheet, public IFormToolUI {
   // The monthly price of the first fee row, which counts as the rent row.
   void SetRentPrice(double price);
   double RentPrice() const;
+  // The approval's preconditions, in order; the first that fails is said and ends it.
+  bool IsCanCheck();
 
   std::string print_file_name_;  // the parameter "printfilename"
 };
