@@ -63,11 +63,14 @@ bool KvTxt::IsValid() const {
 void KvTxt::RunCheck() {
   if (CheckPicker) CheckPicker(Text, Value, Text);
   checked_text_ = Text;
+  typing_ = false;
 }
 
 std::string KvTxt::Apply(const Gesture& g) {
   if (g.kind == "type") {
     if (std::string why = RefusesInput(/*locked_counts=*/true); !why.empty()) return why;
+    if (!typing_) entry_text_ = Text;
+    typing_ = true;
     Text = MaxLength > 0 ? CutToCharacters(g.text, MaxLength) : g.text;
     if (Change) Change();
     return "";
@@ -76,7 +79,11 @@ std::string KvTxt::Apply(const Gesture& g) {
     if (Kind == FieldKind::Date) {
       if (auto d = mrvk::ParseDate(mrvk::Trim(Text))) Text = d->ToText();
     }
-    if (Config.CheckInput && Text != checked_text_) {
+    // Typed over what the program wrote since the last check (a form emptied for a new
+    // record), the text is checked again even when it equals the one checked before.
+    const bool retyped = typing_ && Text != entry_text_;
+    typing_ = false;
+    if (Config.CheckInput && (Text != checked_text_ || retyped)) {
       if (mrvk::Trim(Text).empty()) {
         Value = mrvk::Variant(int32_t{0});
         checked_text_ = Text;
@@ -105,6 +112,7 @@ std::string KvTxt::Apply(const Gesture& g) {
     // A cancelled list leaves the field as it was, a typed text still to be checked included.
     if (Text != before || !(Value == before_value)) {
       checked_text_ = Text;
+      typing_ = false;
       if (Change) Change();
     }
     return "";

@@ -65,8 +65,9 @@ class KvTxt : public Control {
   // trimmed caption and "输入有误，请重新输入！") and answers false.
   bool IsValid() const;
 
-  // type: Text = text, then Change. leave: a checked field with a changed, non-empty text
-  // raises CheckPicker; an emptied bound field loses its Value; a date field reformats a
+  // type: Text = text, then Change. leave: a checked field with a non-empty text changed
+  // since the last check, or typed to differ from what it held before typing, raises
+  // CheckPicker; an emptied bound field loses its Value; a date field reformats a
   // typed date as "yyyy-mm-dd"; then LostFocus. pick: a closed list takes the entry given
   // as text, then Change; otherwise ShowPicker, and a changed choice raises Change (a list
   // cancelled or left unchanged leaves the field as it was, unchecked text too). check:
@@ -79,6 +80,8 @@ class KvTxt : public Control {
  private:
   void RunCheck();
   std::string checked_text_;  // the text as it stood after the last check or pick
+  std::string entry_text_;    // the text before the person began typing
+  bool typing_ = false;       // typed since the field was last left
 };
 
 }  // namespace kvhost

@@ -166,6 +166,51 @@ select top 1 * from ( SELECT FwHd.*, FwHdMx.房源ID, PDMgy.姓名 AS 业务员,
 -- contract sheet: the house line of the print
  SELECT 楼层,房源名称,楼宇类型 from fwfy where 房源ID=301
 ;;
+-- contract save: a new contract's typed number taken by another of the key
+ select  * from  fwhd where  合同编号 ='HT''2012' and progid =870201
+;;
+-- contract save: the tenant by name and telephone
+ SELECT 业主ID FROM fwyz where 业主名称='O''Neil 赵' and 电话='136' and 类型=1
+;;
+-- contract save: a tenant typed in full
+ INSERT INTO fwyz (业主ID,业主编号,业主名称,电话,性别,身份证号,工作单位,籍贯,备注,类型) values (402,'402','O''Neil 赵','136','男','320102','某''公司','浙江','新客',1)
+;;
+-- contract save: the header of a new contract
+ Insert into fwhd(合同ID,progid,smark,系统,状态,合同编号,合同日期,业务员ID,预收押金,中介费,客户ID,租住人数,押金备注1,押金备注2,押金备注3,起租日期,止租日期,租赁期,收款期间,月租金,付租方式,分租房间,面积,备注,制单人,制单日期) VALUES (701,870201,'01','填单','未生效','HT2012100001',#2012-10-11#,2,1800,300,402,2,'押''金','','现金',#2012-11-01#,#2013-10-31#,12,3,900,'押二付三','A''1',12.5,'含 O''Brien 的车位','张三',#2012-10-11#)
+;;
+-- contract save: the unit row of a new contract
+ Insert into fwhdmx(合同明细ID,合同ID,基础设施,配套设施,房源ID) values (801,701,'燃气;','床;',301)
+;;
+-- contract save: a new fee term
+ INSERT INTO fwhdfs (合同明细ID,合同ID,费用名称,是否包干,包干价,是否预收,度数,单价,收款期间,序号 ) VALUES (901,701,'房租',1,900,1,0,0,3,1)
+;;
+-- contract save: a new metered fee term
+ INSERT INTO fwhdfs (合同明细ID,合同ID,费用名称,是否包干,包干价,是否预收,度数,单价,收款期间,序号 ) VALUES (902,701,'O''Brien 水费',0,0,0,120.5,3.2,1,2)
+;;
+-- contract save: a fixed fee term collected in arrears
+ INSERT INTO fwhdfs (合同明细ID,合同ID,费用名称,是否包干,包干价,是否预收,度数,单价,收款期间,序号 ) VALUES (903,701,'物业管理费',1,50,0,0,0,3,3)
+;;
+-- contract save: whether the number of the key takes a revision
+SELECT text FROM xt_BillAttribute WHERE progID=870201 and attribute='onsavecode' 
+;;
+-- contract save: a stored contract's number taken by another of the key
+ Select  * From fwhd Where 合同ID <> 701 and progid =870201 and 合同编号='HT2012100001-1'
+;;
+-- contract save: a known tenant's fields
+ update fwyz    set  性别='女',         身份证号='320102',         工作单位='某''公司',         籍贯='上海',         备注='新客'   where 业主ID=402
+;;
+-- contract save: the header of a stored contract
+ UPDATE fwhd  SET 合同编号='HT2012100001-1',      合同日期=#2012-10-11#,      业务员ID=2,      预收押金=1800,      中介费=300,      客户ID=402,      租住人数=2,      押金备注1='押''金',      押金备注2='',      押金备注3='现金',      起租日期=#1900-01-01#,      止租日期=#2013-10-31#,      租赁期=12,      收款期间=3,      月租金=900,      付租方式='押二付三',      分租房间='A''1',      面积=12.5,      备注='含 O''Brien 的车位',      制单人='张三',      制单日期=#2012-10-11# WHERE 合同ID=701
+;;
+-- contract save: the unit row of a stored contract
+ update fwhdmx set 房源ID=301,     基础设施='燃气;',     配套设施='床;' where 合同ID=701
+;;
+-- contract save: the fee terms removed by another unit
+Delete from fwhdfs Where 合同明细ID in(902)
+;;
+-- contract save: a stored fee term
+ UPDATE fwhdfs   SET 费用名称='物业管理费',       是否包干=1,       包干价=80,       是否预收=0,       度数=0,       单价=0,       收款期间=3,       序号=3 WHERE 合同明细ID=903
+;;
 -- collection schedule: drop the contract's rows
  DELETE FROM fwhdfs_sk where 合同ID=701
 ;;

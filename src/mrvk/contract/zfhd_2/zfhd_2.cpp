@@ -158,6 +158,7 @@ void zfHd_2::InitForm() {
   fees.InitVsControl([this](const std::string& text) {
     ErrMessage(text, err_level::kValidation, kApplicationTitle);
   });
+  InitEditHandlers();
   SetControlStatus(false);
 }
 

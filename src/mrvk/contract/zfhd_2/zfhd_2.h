@@ -6,9 +6,9 @@
 //
 // From the document-sheet frame it takes navigation, find, filter and the selection text; it
 // adds its fields and pages, the pickers behind the fields and what they fill in (the unit,
-// the tenant, the payment mode, the room let), new, edit and cancel, the approved mark, the
-// print data file, approval, un-approval and delete. Saving is not served yet: it answers
-// false.
+// the tenant, the payment mode, the room let), new, edit, save and cancel, the fee grid's
+// marks and periods, the lease arithmetic, the approved mark, the print data file, approval,
+// un-approval and delete.
 #pragma once
 
 #include <memory>
@@ -35,9 +35,9 @@ class zfHd_2 : public DocumentSheet, public IFormToolUI {
   bool FileNew() override;
   bool FileEdit() override;
   bool FileCancel() override;
-  // The save of a contract is the sheet's next step; until it is built it answers false
-  // and changes nothing.
-  bool FileSave() override { return false; }
+  // Writes the contract, its unit row, its fee terms and its tenant in one bracket
+  // (zfhd_2_save.cpp).
+  bool FileSave() override;
   // Approval, un-approval and delete (zfhd_2_check.cpp). Check refuses an incomplete
   // contract, marks it approved, rebuilds its schedule from the lease as shown and derives the
   // rental state anew, statement by statement without a bracket; UnCheck, refused once a
@@ -106,6 +106,27 @@ class zfHd_2 : public DocumentSheet, public IFormToolUI {
   double RentPrice() const;
   // The approval's preconditions, in order; the first that fails is said and ends it.
   bool IsCanCheck();
+
+  // The save (zfhd_2_save.cpp). IsCanSave: the fields' own checks, then a tenant and a unit.
+  bool IsCanSave();
+  // The tenant by name and telephone (类型 1): updated when found, else created; kvTxt(4)
+  // takes the ID. Inside the bracket; false when it failed (it has said why).
+  bool SavePDM();
+  bool SavePdmStep(const std::string& sql);
+  // One statement of the save; false with the database's text in last_error_.
+  bool Run(const std::string& sql);
+  // The header's statement for a new (insert) or a stored contract.
+  std::string HeaderStatement(int32_t id, bool is_new, const std::string& number) const;
+  // The fee rows: new ones inserted under new keys, stored ones updated. False with the
+  // reason in last_error_.
+  bool SaveFeeTerms(int32_t contract_id);
+  // The handlers of editing besides the plain fields: the lease arithmetic on leaving 起租日期,
+  // 止租日期 or 租期, and the fee grid's clicks and edits.
+  void InitEditHandlers();
+  void LeaseDatesLeft();
+  void LeaseMonthsLeft();
+  void FeeCellClicked(int row, int col);
+  void FeeCellEdited(int row, int col);
 
   std::string print_file_name_;  // the parameter "printfilename"
 };
