@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "mrvk/contract/zfhd_2/zfhd_2.h"
+#include "mrvk/frame/record_guard.h"
 #include "support/sheet_test.h"
 
 namespace mrvk {
@@ -284,6 +285,48 @@ TEST_P(ZfHd2SaveTest, AnotherUnitReplacesTheStoredFeeTermsAtTheSaveAndTheNumberI
   EXPECT_EQ(Text(2), "HT-2");
   EXPECT_EQ(StoredFees("2")[2], fee_key + "|物业管理费|1|80|0|0|0|3|3");
   EXPECT_EQ(Scalar("select 起租日期 from fwhd where 合同ID=2"), "1900-01-01");
+}
+
+TEST_P(ZfHd2SaveTest, ACopyWritesTermsOfItsOwnAndAnotherClerksSaveIsNotOverwritten) {
+  ASSERT_TRUE(Call("RecordTop"));
+  Gest("Chk", -1, {"toggle"});
+  ASSERT_TRUE(Call("FileNew"));
+  ASSERT_TRUE(Call("FileSave")) << ::testing::PrintToString(TakeReports(false));
+  Gest("Chk", -1, {"toggle"});
+  const std::string copy = Scalar("select 合同ID from fwhd where 合同编号='HT2012100001'");
+  EXPECT_EQ(Query("select 费用名称,包干价 from fwhdfs where 合同ID=" + copy + " order by 序号"),
+            (Rows{"房租|2000", "物业管理费|60"}));
+  EXPECT_EQ(StoredFees("2"), (Rows{"301|房租|1|2000|1|0|0|1|1", "302|物业管理费|1|60|1|0|0|1|2"}));
+  EXPECT_EQ(Count("fwyz"), 1);  // 李四 with his telephone: the same client
+
+  // Another clerk saves the contract while this one edits it: this save is refused.
+  ASSERT_TRUE(Call("RecordTop"));
+  ASSERT_TRUE(Call("FileEdit"));
+  auto other = NewHost();
+  kvhost::Screen* theirs = other->open("zfHd_2", 870201, 0);
+  ASSERT_NE(theirs, nullptr);
+  Variant answer;
+  ASSERT_TRUE(other->invoke(*theirs, "RecordTop", {}, answer).ok());
+  ASSERT_TRUE(other->invoke(*theirs, "FileEdit", {}, answer).ok());
+  ASSERT_TRUE(other->gesture(*theirs, "kvTxt", 35, {"type", "999"}).ok());
+  ASSERT_TRUE(other->invoke(*theirs, "FileSave", {}, answer).ok());
+  ASSERT_TRUE(answer.AsBool());
+  Type(35, "100");
+  EXPECT_EQ(RefusedByBox(), std::string(kChangedByOthers) + "|48|房屋租赁管理");
+  EXPECT_EQ(Scalar("select 中介费 from fwhd where 合同ID=2"), "999");
+
+  // A sheet opened on one contract follows the new contract it saved.
+  ASSERT_TRUE(host().close(screen_->id).ok());
+  screen_ = host().open("zfHd_2", 870201, /*record=*/2);
+  ASSERT_NE(screen_, nullptr);
+  sheet_ = dynamic_cast<zfHd_2*>(screen_->object.get());
+  ASSERT_TRUE(Call("FileNew"));
+  Type(18, "A-101");
+  Type(4, "孙八");
+  ASSERT_TRUE(Call("FileSave")) << ::testing::PrintToString(TakeReports(false));
+  EXPECT_EQ(Text(2) + " " + sheet_->lblRecord.Caption, "HT2012100002 记录：1/1");
+  ASSERT_TRUE(Call("RecordTop"));
+  EXPECT_EQ(Text(4), "孙八");
 }
 
 TEST_P(ZfHd2SaveTest, TheFeeGridMarksAdvanceOrArrearsAndFollowsThePaymentPeriod) {
