@@ -249,6 +249,14 @@ TEST_P(ZfHd2SaveTest, AFailureHalfWayLeavesNoRowBehind) {
   EXPECT_EQ(Count("fwhd") * 100 + Count("fwhdmx") * 10 + Count("fwyz"), 221);
   EXPECT_FALSE(sheet_->kvTxt[2].Locked);  // still editing, as typed
   EXPECT_EQ(Text(4) + " " + Fees()[1], "钱七 2|水费|30|||||0|");
+  // The clients' table gone too: the tenant's step says why in its box, and stops the save.
+  Exec("drop table fwyz");
+  const std::string box = RefusedByBox();
+  EXPECT_EQ(box.rfind("SavePDM::", 0), 0u) << box;
+  EXPECT_NE(box.find("fwyz"), std::string::npos) << box;
+  EXPECT_EQ(box.substr(box.size() - 22), "|16|房屋租赁管理");
+  EXPECT_TRUE(TakeReports(/*include_messages=*/false).empty());
+  EXPECT_EQ(Count("fwhd") * 10 + Count("fwhdmx"), 22);
 }
 
 TEST_P(ZfHd2SaveTest, AnotherUnitReplacesTheStoredFeeTermsAtTheSaveAndTheNumberIsRevised) {

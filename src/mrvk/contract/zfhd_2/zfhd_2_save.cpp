@@ -52,7 +52,7 @@ bool zfHd_2::SavePdmStep(const std::string& sql) {
   IHostDatabase& db = context_->Database();
   db.CreateCommand(sql, 1)->Execute();
   if (db.Error().Description().empty()) return true;
-  MsgBox("SavePDM::" + context_->LastError().Text(), msgbox::kCritical, kApplicationTitle);
+  MsgBox("SavePDM::" + db.Error().Description(), msgbox::kCritical, kApplicationTitle);
   return false;
 }
 
@@ -67,7 +67,7 @@ bool zfHd_2::SavePDM() {
         Val(ScalarText(db, " SELECT 业主ID FROM fwyz where 业主名称=" + SqlQuoted(name) +
                                " and 电话=" + SqlQuoted(phone) + " and 类型=1")));
     if (!db.Error().Description().empty()) {
-      MsgBox("SavePDM::" + context_->LastError().Text(), msgbox::kCritical, kApplicationTitle);
+      MsgBox("SavePDM::" + db.Error().Description(), msgbox::kCritical, kApplicationTitle);
       return false;
     }
     if (id > 0) {
