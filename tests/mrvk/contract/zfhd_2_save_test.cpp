@@ -218,8 +218,11 @@ TEST_P(ZfHd2SaveTest, RefusalsComeBeforeAnyWriteAndKeepTheSheetEditing) {
   EXPECT_EQ(Count("fwhd") * 100 + Count("fwhdmx") * 10 + Count("fwhdfs"), 222);
   EXPECT_EQ(Scalar("select count(*) from fwyz where 业主名称='新客'"), "0");
   Gest("kvTxt", 2, {"type", "HT-E"});
+  // Whole-number columns take a typed fraction rounded half to even, on either engine.
+  Type(33, "2.5");
+  Type(6, "3.5");
   ASSERT_TRUE(Call("FileSave"));
-  EXPECT_EQ(Text(2), "HT-E");
+  EXPECT_EQ(Text(2) + " " + Text(33) + " " + Text(6), "HT-E 2 4");
   EXPECT_EQ(Scalar("select count(*) from fwyz where 业主名称='新客'"), "1");
 
   // A stored contract: an emptied number, another's number (titled "提示：").

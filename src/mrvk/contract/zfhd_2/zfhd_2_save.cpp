@@ -17,6 +17,10 @@ constexpr const char* kTick = "√";
 // The date a date field holds, or the date that stands for none.
 Date DateOrNone(const std::string& text) { return ParseDate(Trim(text)).value_or(NoDate()); }
 
+// A typed number for a whole-number column, rounded as the database's own conversion rounds,
+// so both engines store the same value.
+std::string WholeNumber(const std::string& text) { return NumberText(RoundHalfEven(Val(text))); }
+
 // A field's Value as a bare number.
 std::string ValueNumber(const Variant& v) {
   return NumberText(v.IsNumeric() ? v.ToDouble() : Val(v.ToString()));
@@ -126,14 +130,14 @@ std::string zfHd_2::HeaderStatement(int32_t id, bool is_new, const std::string& 
       {"预收押金", number_of(34)},
       {"中介费", number_of(35)},
       {"客户ID", ValueNumber(kvTxt[4].Value)},
-      {"租住人数", number_of(33)},
+      {"租住人数", WholeNumber(kvTxt[33].Text)},
       {"押金备注1", text(37)},
       {"押金备注2", text(42)},
       {"押金备注3", text(43)},
       {"起租日期", date(8)},
       {"止租日期", date(1)},
-      {"租赁期", number_of(0)},
-      {"收款期间", number_of(6)},
+      {"租赁期", WholeNumber(kvTxt[0].Text)},
+      {"收款期间", WholeNumber(kvTxt[6].Text)},
       {"月租金", rent},
       {"付租方式", text(44)},
       {"分租房间", text(45)},
@@ -175,7 +179,7 @@ bool zfHd_2::SaveFeeTerms(int32_t contract_id) {
     const std::string reading = SqlNumber(g.TextMatrix(r, ContractFees::kColReading));
     const std::string unit = SqlNumber(g.TextMatrix(r, ContractFees::kColUnit));
     const std::string period = SqlNumber(g.TextMatrix(r, ContractFees::kColPeriod));
-    const std::string line = SqlNumber(g.TextMatrix(r, ContractFees::kColLine));
+    const std::string line = WholeNumber(g.TextMatrix(r, ContractFees::kColLine));
     const double key = Val(g.TextMatrix(r, ContractFees::kColDetailID));
     std::string sql;
     if (key <= 0) {
