@@ -24,7 +24,7 @@ class DemoCommandTest : public kvtest::EngineTest {
 
 TEST_P(DemoCommandTest, FillsAnEmptyDatabaseWithRowsThatReferToEachOther) {
   std::string text;
-  ASSERT_EQ(Run({"--units", "400"}, &text), 0) << text;
+  ASSERT_EQ(Run({"--units", "400", "--contracts", "0"}, &text), 0) << text;
   EXPECT_NE(text.find("housing units 200/400"), std::string::npos) << text;
   // Units, estates, buildings, owners, clients, fee categories.
   EXPECT_EQ(Query("select (select count(*) from fwfy),(select count(*) from fwwy),(select count(*) "
@@ -51,6 +51,36 @@ TEST_P(DemoCommandTest, FillsAnEmptyDatabaseWithRowsThatReferToEachOther) {
   EXPECT_EQ(Scalar("select count(*) from fwfy where 房源ID=" + std::to_string(id)), "0");
 }
 
+TEST_P(DemoCommandTest, EntersApprovedContractsAndTheUnitsFollowThem) {
+  std::string text;
+  ASSERT_EQ(Run({"--units", "20", "--contracts", "10"}, &text), 0) << text;
+  EXPECT_NE(text.find("contracts done: 10, 2 terminated"), std::string::npos) << text;
+  // All approved by the demo's user; two of the leases that have ended are terminated.
+  EXPECT_EQ(Query("select 状态,count(*) from fwhd where smark='02' and 审核人='admin' group by "
+                  "状态 order by 状态"),
+            (std::vector<std::string>{"生效|8", "终止|2"}));
+  // Each has its schedule; each tenant was typed in and created by the save.
+  EXPECT_EQ(Scalar("select count(*) from fwhd A where not exists (select * from fwhdfs_sk B "
+                   "where B.合同ID=A.合同ID)"),
+            "0");
+  EXPECT_EQ(Scalar("select count(*) from fwhdfs_sk"), "43");
+  EXPECT_EQ(Scalar("select count(*) from fwyz where 类型=1"), "30");
+  // Unit, state, room let and the unit's state: a whole unit in force is let, a terminated
+  // lease leaves its unit or room free, a room in force leaves its unit part let.
+  EXPECT_EQ(Query("select F.房源编号,A.状态,A.分租房间,F.出租状态 from (fwhd A inner join fwhdmx M "
+                  "on A.合同ID=M.合同ID) inner join fwfy F on M.房源ID=F.房源ID order by "
+                  "F.房源编号"),
+            (std::vector<std::string>{"F000002|生效||已出租", "F000003|生效||已出租",
+                                      "F000005|生效|C|部分出租", "F000006|生效||已出租",
+                                      "F000007|生效||已出租", "F000008|生效||已出租",
+                                      "F000012|生效||已出租", "F000014|终止||未出租",
+                                      "F000017|生效||已出租", "F000020|终止|B|未出租"}));
+  EXPECT_EQ(Query("select 房间号 from fwfy_fz A inner join fwfy B on A.房源ID=B.房源ID where "
+                  "A.是否出租<>0"),
+            std::vector<std::string>{"C"});
+  EXPECT_EQ(Scalar("select count(*) from fwfy where 出租状态='未出租'"), "12");
+}
+
 TEST_P(DemoCommandTest, LeavesADatabaseWithEstatesAloneAndRefusesBadSizes) {
   std::string text;
   ASSERT_EQ(Run({"--units", "40"}), 0);
@@ -61,6 +91,8 @@ TEST_P(DemoCommandTest, LeavesADatabaseWithEstatesAloneAndRefusesBadSizes) {
     EXPECT_EQ(Run({"--units", bad}, &text), 2) << bad;
     EXPECT_NE(text.find("whole number"), std::string::npos) << text;
   }
+  EXPECT_EQ(Run({"--units", "40", "--contracts", "41"}, &text), 2);
+  EXPECT_NE(text.find("--contracts takes"), std::string::npos) << text;
   EXPECT_EQ(Run({"--colour", "red"}, &text), 2);
 }
 
