@@ -812,7 +812,7 @@ function drawControl(c, ctx) {
       if (e.key !== 'Enter' || input.tagName === 'TEXTAREA' || e.altKey || e.ctrlKey) return;
       e.preventDefault();
       const root = input.closest('.layer, .screen');
-      const fields = root ? [...root.querySelectorAll('.field input:not([disabled]):not([readonly]), ' +
+      const fields = root ? [...root.querySelectorAll('.field input:not(.cal):not([disabled]):not([readonly]), ' +
         '.field select:not([disabled]), .field textarea:not([disabled]):not([readonly])')] : [];
       const next = fields[fields.indexOf(input) + 1];
       commit();
@@ -1107,6 +1107,14 @@ function drawGrid(c, ref, ctx) {
       if (st.bold) td.style.fontWeight = 'bold';
       td.addEventListener('click', (e) => {
         if (td.classList.contains('editing') || e.target.closest('input, select')) return;
+        // A cell that takes input is edited by a double click; a single click on it only
+        // marks it here (the edit tells the host where it is), so no redraw comes between
+        // the two clicks.
+        if (cellEditable(r, ci)) {
+          tbody.querySelectorAll('td.current-cell').forEach((x) => x.classList.remove('current-cell'));
+          td.classList.add('current-cell');
+          return;
+        }
         ctx.gesture(Object.assign({ gesture: 'cell_click', row: r.row, col: ci }, ref));
       });
       if (cellEditable(r, ci)) {
@@ -1155,19 +1163,30 @@ function drawGrid(c, ref, ctx) {
   });
   const dataRows = (c.rows || 0) - fixedRows;
   const box = el('div', { class: 'grid-box' }, wrap);
-  if (c.type === 'kvGrid' && editable && (c.can_add || c.can_delete)) box.prepend(gridRowButtons(c, ref, ctx));
+  if (c.type === 'kvGrid' && editable && (c.can_add || c.can_delete)) {
+    // The row to delete is the one the clerk last clicked, else the host's current row.
+    const currentRow = () => {
+      const marked = tbody.querySelector('td.current-cell');
+      return marked ? Number(marked.closest('tr').dataset.row) : c.row;
+    };
+    box.prepend(gridRowButtons(c, ref, ctx, currentRow));
+  }
   // An edit that moved on (Enter, Tab, arrows) continues in its next cell once the grid is
   // drawn again with what the host made of the last one.
   // An editor that a redraw took away (an answer to an earlier gesture came in while the
   // clerk typed) opens again on its cell with the text typed so far.
   const next = ctx.sorts && ctx.sorts.get('edit ' + gridKey);
   const open = ctx.sorts && ctx.sorts.get('open ' + gridKey);
+  // Either waits for the redraw to end, and gives way to an editor the clerk opened since.
+  // The screen runs it at once when its drawing is done (no key typed meanwhile goes astray).
+  const seq = editorSeq;
+  const later = (f) => (ctx.afterDraw ? ctx.afterDraw.push(f) : setTimeout(f, 0));
   if (open && !open.input.isConnected) {
     ctx.sorts.delete('open ' + gridKey);
-    setTimeout(() => openCellEditor(grid, open.row, open.col, open.input.value), 0);
+    later(() => { if (editorSeq === seq) openCellEditor(grid, open.row, open.col, open.input.value); });
   } else if (next) {
     ctx.sorts.delete('edit ' + gridKey);
-    setTimeout(() => openCellEditor(grid, next.row, next.col), 0);
+    later(() => { if (editorSeq === seq) openCellEditor(grid, next.row, next.col); });
   }
   // A find or a move that scrolled the grid so that its window starts mid-page: the window
   // goes back to the start of its page, so that a short list shows all its rows.
@@ -1202,7 +1221,7 @@ function drawGrid(c, ref, ctx) {
 
 // 增行 and 删行 above an editable grid: a new row at the end, or the current row removed
 // (the grid asks first, and the sheet may refuse).
-function gridRowButtons(c, ref, ctx) {
+function gridRowButtons(c, ref, ctx, currentRow) {
   const hasRow = c.row >= (c.fixed_rows || 0) && c.row < (c.rows || 0);
   return el('div', { class: 'grid-tools' },
     c.can_add ? el('button', { type: 'button', text: '增行', title: '在末尾增加一行',
@@ -1212,7 +1231,7 @@ function gridRowButtons(c, ref, ctx) {
       }) }) : null,
     c.can_delete ? el('button', { type: 'button', text: '删行', title: '删除当前行',
       disabled: !hasRow,
-      onclick: () => afterCommits().then(() => ctx.gesture(Object.assign({ gesture: 'row_delete', row: c.row }, ref))) }) : null);
+      onclick: () => afterCommits().then(() => ctx.gesture(Object.assign({ gesture: 'row_delete', row: currentRow() }, ref))) }) : null);
 }
 
 function controlKey(ref) {
@@ -1260,8 +1279,13 @@ function openCellEditor(grid, row, col, text) {
 // Edits a cell in place: a closed list where the column has one, else a text box (numbers
 // keep only a number). Enter and Tab take the text and go on to the next cell (Shift+Tab
 // back), arrows up and down to the cell above or below, Esc gives the cell its text back.
+// Counts the cell editors opened, so that an editor due to open again after a redraw does
+// not take the place of one the clerk opened in the meantime.
+let editorSeq = 0;
+
 function editCell(grid, td, r, ci, text) {
   if (td.classList.contains('editing')) return;
+  editorSeq++;
   const col = grid.cols[ci] || {};
   const old = r.text[ci] ?? '';
   const memory = grid.ctx.sorts;
@@ -1276,6 +1300,10 @@ function editCell(grid, td, r, ci, text) {
                           placeholder: col.kind === 'date' ? 'yyyy-mm-dd' : null });
     if (col.kind === 'number') { input.classList.add('num'); keepNumber(input); }
   }
+  // The editor takes the cell's own size: the columns must not move under the pointer while
+  // a cell is edited (a double click's second click would land on another cell).
+  const width = td.getBoundingClientRect().width;
+  td.style.width = td.style.minWidth = td.style.maxWidth = width + 'px';
   td.textContent = '';
   td.classList.add('editing');
   td.append(input);
@@ -1298,6 +1326,7 @@ function editCell(grid, td, r, ci, text) {
       return;
     }
     td.classList.remove('editing');
+    td.style.width = td.style.minWidth = td.style.maxWidth = '';
     td.textContent = old;
     if (move) openCellEditor(grid, move.row, move.col);
   };
@@ -1441,7 +1470,9 @@ function drawScreen(tab) {
   if (!tab.typed) tab.typed = new Map();
   tab.listSheet = listSheet;
   if (!tab.sorts) tab.sorts = new Map();
+  const afterDraw = [];
   renderControls(tab.node, controls, {
+    afterDraw,
     pending: tab.typed,
     scope: String(tab.screen),
     sorts: tab.sorts,
@@ -1466,6 +1497,7 @@ function drawScreen(tab) {
   }
   $('screens').scrollTop = scrollTop;
   restoreFocus(tab.node, focus);
+  for (const f of afterDraw) f();
 }
 
 // Search as you type above a list: the rows shown that do not hold the text are hidden;
@@ -1704,6 +1736,14 @@ async function toolbarCommand(tab, cmd) {
       if ((cmd === 'FileNew' || cmd === 'FileEdit') && !a.dialogShown) tab.editing = true;
       if (cmd === 'FileSave' || cmd === 'FileCancel' || cmd === 'FileDelete') tab.editing = false;
       if (cmd === 'FileSave' || (a.dialogShown && dialogSaved)) status('已保存');
+      // An approval or its undoing changed the record under the sheet: the sheet shows it
+      // again, with the approved mark as it now stands.
+      if (cmd === 'Check' || cmd === 'UnCheck') {
+        const r = await settle(await protocol({ op: 'call', screen: tab.screen, method: 'DoSetStatus',
+                                                args: ['change', cmd === 'Check'] }), tab);
+        if (!r.ok) status(failure(r));
+        else status(cmd === 'Check' ? '已审核' : '已取消审核');
+      }
     } else if (!a.ok) {
       await alertLayer(failure(a, '操作失败'), tab.name);
     }
@@ -1725,7 +1765,7 @@ async function toolbarCommand(tab, cmd) {
     }
     if ((cmd === 'FileNew' || cmd === 'FileEdit') && tab.editing && tab === active) {
       // The cursor goes to the first field that takes input.
-      const first = tab.node.querySelector('.field input:not([disabled]):not([readonly]), ' +
+      const first = tab.node.querySelector('.field input:not(.cal):not([disabled]):not([readonly]), ' +
         '.field select:not([disabled]), .field textarea:not([disabled]):not([readonly])');
       if (first) first.focus();
     }
