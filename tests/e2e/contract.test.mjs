@@ -88,6 +88,14 @@ test('a room is let: the contract entered, saved, approved, taken back and delet
   await editCell(contract, 'kvGrid', 4, 5, '2000');
   await editCell(contract, 'kvGrid', 4, 6, '1.2');
   assert.equal(await cell(contract, 'kvGrid', 3, 7).textContent(), '3');
+  // The rent in arrears: a click ticks 后付 and clears 预收.
+  await cell(contract, 'kvGrid', 2, 3).click();
+  await page.waitForFunction((sel) => document.querySelector(sel)?.textContent === '√',
+    `${contract} [data-control="kvGrid"] tr[data-row="2"] td[data-col="3"]`);
+  await cell(contract, 'kvGrid', 2, 4).click();
+  await page.waitForFunction((sel) => document.querySelector(sel)?.textContent === '√',
+    `${contract} [data-control="kvGrid"] tr[data-row="2"] td[data-col="4"]`);
+  assert.equal(await cell(contract, 'kvGrid', 2, 3).textContent(), '');
   // The tenant, typed new on the second page.
   await page.locator(`${contract} [data-control="Toolbar1"] button`, { hasText: '租客信息' }).click();
   await typeInto(contract, 4, '赵小明');
