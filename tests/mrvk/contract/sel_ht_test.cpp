@@ -9,9 +9,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "kvhost/host_context.h"
-#include "kvhost/pickers/module_picker.h"
-#include "support/engines.h"
+#include "support/search_picker_test.h"
 
 namespace mrvk {
 namespace {
@@ -19,11 +17,10 @@ namespace {
 using kvhost::Dialog;
 using kvhost::Gesture;
 using kvhost::ScriptedUi;
-using Rows = std::vector<std::string>;
 
-const Rows kAllApproved = {"HT-001", "HT-002", "HT-003", "HT-005", "O'K-006"};
+const std::vector<std::string> kAllApproved = {"HT-001", "HT-002", "HT-003", "HT-005", "O'K-006"};
 
-class SelHTTest : public kvtest::EngineTest {
+class SelHTTest : public kvtest::SearchPickerTest {
  protected:
   void SetUp() override {
     kvtest::EngineTest::SetUp();
@@ -75,30 +72,9 @@ class SelHTTest : public kvtest::EngineTest {
 
   // The "sel_ht" service of a host, New set as a receipt sets it (nothing for -1).
   static IHostPicker& Contracts(kvhost::Host& h, int new_mode) {
-    IHostPicker* p = h.context().Picker("sel_ht");
-    EXPECT_NE(p, nullptr);
-    EXPECT_TRUE(p->Init(870301));
-    p->Parameters().Clear();
-    if (new_mode >= 0) p->Parameters().Item("New").Value = new_mode;
-    return *p;
+    return Service(h, "sel_ht", 870301, new_mode);
   }
-  static Sel_HT& Picker(IHostPicker& p) {
-    return dynamic_cast<Sel_HT&>(*dynamic_cast<kvhost::ModulePicker&>(p).Object());
-  }
-  // Shows the list and runs the clerk's script on it; "value|text" of the choice, or
-  // "cancel:" and the text.
-  std::string ShowAnd(kvhost::Host& h, IHostPicker& p, std::function<void(Dialog&)> script) {
-    h.ui().dialogs.push_back(std::move(script));
-    Variant value;
-    std::string text;
-    bool chosen = false;
-    kvhost::Status st = h.guarded("Show", [&] { chosen = p.Show(text, value); });
-    EXPECT_TRUE(st.ok()) << st.message();
-    return chosen ? value.ToString() + "|" + text : "cancel:" + text;
-  }
-  std::string ShowAnd(IHostPicker& p, std::function<void(Dialog&)> script) {
-    return ShowAnd(host(), p, std::move(script));
-  }
+  static Sel_HT& Picker(IHostPicker& p) { return Object<Sel_HT>(p); }
   // "value|text" of the check of a typed number; "|" when nothing was found.
   std::string Validate(IHostPicker& p, const std::string& typed) {
     Variant value = Variant("stale");
@@ -110,28 +86,6 @@ class SelHTTest : public kvtest::EngineTest {
     const std::string result = value.ToString() + "|" + text;
     EXPECT_EQ(found, result != "|") << typed;
     return result;
-  }
-  static void Do(Dialog& d, const std::string& control, int index, Gesture g) {
-    kvhost::Control* c = d.Controls().Find(control, index);
-    ASSERT_NE(c, nullptr) << control;
-    ASSERT_EQ(c->Apply(g), "") << control << " " << g.kind;
-  }
-  // Types into a filter field and leaves it, as a clerk does.
-  static void Type(Dialog& d, int index, const std::string& text) {
-    Do(d, "kvTxt", index, {"type", text});
-    Do(d, "kvTxt", index, {"leave"});
-  }
-  // The contract numbers (column 1) of the rows that show.
-  static Rows Shown(const kvhost::VsFlexGrid& grid) {
-    Rows out;
-    for (int r = grid.FixedRows(); r < grid.Rows(); ++r) {
-      if (grid.RowHeight(r) != 0) out.push_back(grid.TextMatrix(r, 1));
-    }
-    return out;
-  }
-  // The number of the current row; "" for the header.
-  static std::string Current(const kvhost::VsFlexGrid& grid) {
-    return grid.Row() < grid.FixedRows() ? "" : grid.TextMatrix(grid.Row(), 1);
   }
 };
 

@@ -9,9 +9,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "kvhost/host_context.h"
-#include "kvhost/pickers/module_picker.h"
-#include "support/engines.h"
+#include "support/search_picker_test.h"
 
 namespace mrvk {
 namespace {
@@ -19,9 +17,8 @@ namespace {
 using kvhost::Dialog;
 using kvhost::Gesture;
 using kvhost::ScriptedUi;
-using Rows = std::vector<std::string>;
 
-class SelFYTest : public kvtest::EngineTest {
+class SelFYTest : public kvtest::SearchPickerTest {
  protected:
   void SetUp() override {
     kvtest::EngineTest::SetUp();
@@ -46,29 +43,14 @@ class SelFYTest : public kvtest::EngineTest {
 
   // The "sel_fy" service of a host, New set as a contract sheet sets it (nothing for -1).
   static IHostPicker& Units(kvhost::Host& h, int new_mode) {
-    IHostPicker* p = h.context().Picker("sel_fy");
-    EXPECT_NE(p, nullptr);
-    EXPECT_TRUE(p->Init(870201));
-    p->Parameters().Clear();
-    if (new_mode >= 0) p->Parameters().Item("New").Value = new_mode;
-    return *p;
+    return Service(h, "sel_fy", 870201, new_mode);
   }
-  static Sel_FY& Picker(IHostPicker& p) {
-    return dynamic_cast<Sel_FY&>(*dynamic_cast<kvhost::ModulePicker&>(p).Object());
-  }
+  static Sel_FY& Picker(IHostPicker& p) { return Object<Sel_FY>(p); }
   bool Show(IHostPicker& p, std::string& text, Variant& value) {
     bool chosen = false;
     kvhost::Status st = host().guarded("Show", [&] { chosen = p.Show(text, value); });
     EXPECT_TRUE(st.ok()) << st.message();
     return chosen;
-  }
-  // Shows the list and runs the clerk's script on it; "value|text" of the choice, or
-  // "cancel".
-  std::string ShowAnd(IHostPicker& p, std::function<void(Dialog&)> script) {
-    host().ui().dialogs.push_back(std::move(script));
-    Variant value;
-    std::string text;
-    return Show(p, text, value) ? value.ToString() + "|" + text : "cancel:" + text;
   }
   bool Validate(IHostPicker& p, const std::string& typed, Variant& value, std::string& text) {
     bool found = false;
@@ -76,28 +58,6 @@ class SelFYTest : public kvtest::EngineTest {
         host().guarded("Validate", [&] { found = p.Validate("", "", "", typed, value, text); });
     EXPECT_TRUE(st.ok()) << st.message();
     return found;
-  }
-  static void Do(Dialog& d, const std::string& control, int index, Gesture g) {
-    kvhost::Control* c = d.Controls().Find(control, index);
-    ASSERT_NE(c, nullptr) << control;
-    ASSERT_EQ(c->Apply(g), "") << control << " " << g.kind;
-  }
-  // Types into a filter field and leaves it, as a clerk does.
-  static void Type(Dialog& d, int index, const std::string& text) {
-    Do(d, "kvTxt", index, {"type", text});
-    Do(d, "kvTxt", index, {"leave"});
-  }
-  // The numbers (column 1) of the rows that show.
-  static Rows Shown(const kvhost::VsFlexGrid& grid) {
-    Rows out;
-    for (int r = grid.FixedRows(); r < grid.Rows(); ++r) {
-      if (grid.RowHeight(r) != 0) out.push_back(grid.TextMatrix(r, 1));
-    }
-    return out;
-  }
-  // The number of the current row; "" for the header.
-  static std::string Current(const kvhost::VsFlexGrid& grid) {
-    return grid.Row() < grid.FixedRows() ? "" : grid.TextMatrix(grid.Row(), 1);
   }
 };
 
