@@ -287,6 +287,13 @@ const std::vector<IndexDef>& Indexes() {
       {"pdmxsy", "类型ID, 代码"},
       {"pdmkjkm", "科目编码"},
       {"arpreceivemx", "源单ID"},
+      // Added after the others, since an index's name is its place in this list and an
+      // existing database keeps the indexes it has. The contract sheet counts its position
+      // over fwhd's contracts of one key in a date span (the first), and walks to the next or
+      // previous contract by min/max of the key under that span (the second, which SQLite
+      // reads in key order instead of reading the whole span through the date index).
+      {"fwhd", "progID, 合同日期, 合同ID"},
+      {"fwhd", "progID, 合同ID, 合同日期"},
   };
   return indexes;
 }

@@ -29,10 +29,12 @@ class BillData : public mrvk::IHostBillData {
 
  private:
   // Opens "select top 1 * from (select_sql) q where conditions order by key" into rs and
-  // fills position; Null when there is no such row.
+  // fills position; Null when there is no such row. walk_key (extra names the key alone, as
+  // Navigate's do) finds the key over the counted statement first when one is given.
   mrvk::Variant OpenOne(std::string& position, std::unique_ptr<mrvk::Recordset>& rs,
                         const std::string& select_sql, const std::string& filter,
-                        const std::string& extra, const std::string& key_column, bool descending);
+                        const std::string& extra, const std::string& key_column, bool descending,
+                        bool walk_key);
 
   mrvk::IHostDatabase* db_ = nullptr;
   std::string count_sql_;

@@ -85,7 +85,14 @@ constexpr int kAlwaysLocked[] = {7, 10, 12, 11, 20, 19, 21, 22, 23, 26};
 
 }  // namespace
 
-zfHd_2::zfHd_2() : DocumentSheet(DocumentDesign{kTag, "fwhd", "合同ID", kSelect}) {
+// The position is counted over fwhd alone while no filter is in force: each row of kSelect is
+// one contract. The left joins are on the keys of fwfy, fwyz, PDMgy and fwwy and neither add
+// nor drop rows; the inner join with fwhdmx would, but the sheet writes exactly one unit row
+// per contract (FileSave inserts or updates it in the header's bracket, FileDelete removes
+// both in one bracket) and nothing else writes fwhdmx. The base filter (BaseSelection) names
+// fwhd's columns only.
+zfHd_2::zfHd_2()
+    : DocumentSheet(DocumentDesign{kTag, "fwhd", "合同ID", kSelect, " select * from FwHd"}) {
   controls_.Add(Toolbar1);
   Toolbar1.AddButton("合同信息", "");
   Toolbar1.AddButton("", "");
