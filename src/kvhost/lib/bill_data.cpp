@@ -71,11 +71,14 @@ mrvk::Variant BillData::OpenOne(std::string& position, std::unique_ptr<mrvk::Rec
   }
   const std::string found = rs->Fields(key).Value.ToString();
   const std::string counted = count_sql_.empty() ? from : " from (" + count_sql_ + ") q";
-  const std::string total = mrvk::ScalarText(*db_, "select count(*)" + counted + Where(filter, ""));
-  const std::string before =
-      mrvk::ScalarText(*db_, "select count(*)" + counted + Where(filter, key + "<=" + found));
+  // Both numbers in one pass over the counted rows: the rows up to the record's key among all.
+  auto counts = db_->CreateCommand("select count(*), count(case when " + key + "<=" + found +
+                                       " then 1 end)" + counted + Where(filter, ""),
+                                   1)
+                    ->OpenRecordset();
   if (!db_->Error().Description().empty()) return mrvk::Variant(db_->Error().Description());
-  position = before + "/" + total;
+  if (counts->Eof()) return mrvk::Variant("no count");
+  position = counts->Fields(1).Value.ToString() + "/" + counts->Fields(0).Value.ToString();
   return mrvk::Variant(std::string());
 }
 
