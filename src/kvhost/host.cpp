@@ -297,6 +297,8 @@ const ToolPlace* ToolPlaceOf(const std::string& class_name) {
   static const std::map<std::string, ToolPlace> places = {
       {"cFwFy_finish", {"sel_fy", {"FY_MX", "FY_MX_old"}}},
       {"cFwFy_unfinish", {"sel_fy", {"FY_MX", "FY_MX_old"}}},
+      {"cFwHd_finish", {"sel_ht", {"zfHd_2"}}},
+      {"cFwHd_unfinish", {"sel_ht", {"zfHd_2"}}},
   };
   auto it = places.find(class_name);
   return it == places.end() ? nullptr : &it->second;

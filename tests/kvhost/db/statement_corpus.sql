@@ -241,6 +241,27 @@ Delete from fwhdfs Where 合同明细ID in(902)
 -- rental state: the unit's state
  UPDATE fwfy     SET 出租状态='部分出租'   WHERE 房源ID=301
 ;;
+-- contract status tool: the approval mark
+select smark from fwhd where 合同ID=701
+;;
+-- contract status tool: the contract ended already
+ select 合同ID from fwhd where 合同ID=701 and 状态='终止'
+;;
+-- contract status tool: the unit of the contract
+ SELECT 房源ID FROM fwhdmx where 合同ID=701
+;;
+-- contract status tool: the room of the contract
+ SELECT 分租房间 FROM fwhd where 合同ID=701
+;;
+-- contract status tool: end the contract
+ update fwhd   set 状态='终止'  where 合同ID=701
+;;
+-- contract status tool: the contract not ended
+ select 合同ID from fwhd where 合同ID=701 and 状态<>'终止'
+;;
+-- contract status tool: set the contract back
+ update fwhd   set 状态='生效'  where 合同ID=701
+;;
 -- contract un-approval: a receipt naming the contract
  SELECT 合同ID from fwjs where  合同ID=701
 ;;
