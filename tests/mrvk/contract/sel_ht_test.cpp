@@ -1,7 +1,7 @@
-// The contract picker reached as a receipt or a report's filter reaches it: the host's
-// service "sel_ht", its parameter New set, the list shown and worked on by a clerk (filters,
-// search, choice), or a typed number checked. On both engines; the expected rows are
-// written out.
+// The contract picker as a receipt or a report's filter reaches it: the host's service
+// "sel_ht" with its parameter New, the list and its filters, and a typed number checked. Its
+// choice, cancel and search are the searching pickers' own, tested with the housing picker.
+// On both engines; the expected rows are written out.
 #include "mrvk/contract/sel_ht.h"
 
 #include <gtest/gtest.h>
@@ -202,44 +202,6 @@ TEST_P(SelHTTest, ForAReceiptOnlyContractsInForceAreListedOrFound) {
   EXPECT_EQ(rows, kAllApproved);
 }
 
-TEST_P(SelHTTest, TheChoiceGivesTheContractsKeyAndNumberAndNoRowGivesZero) {
-  IHostPicker& p = Contracts(host(), -1);
-  Sel_HT& sel = Picker(p);
-  // Confirm takes the current row, the first when none was clicked; a double click, Enter
-  // in the grid and a front end's index answer take theirs.
-  EXPECT_EQ(ShowAnd(p, [](Dialog& d) { Do(d, "Cmd", Sel_HT::kSelect, {"click"}); }), "101|HT-001");
-  EXPECT_EQ(
-      ShowAnd(p, [](Dialog& d) { Do(d, "Vs", -1, {.kind = "cell_dblclick", .row = 4, .col = 2}); }),
-      "105|HT-005");
-  EXPECT_EQ(ShowAnd(p,
-                    [](Dialog& d) {
-                      Do(d, "Vs", -1, {.kind = "cell_click", .row = 5, .col = 1});
-                      Do(d, "Vs", -1, {.kind = "keydown", .row = 13});
-                    }),
-            "106|O'K-006");
-  EXPECT_EQ(ShowAnd(p, ScriptedUi::ChooseRows({1})), "102|HT-002");
-  EXPECT_EQ(sel.GetValue().ToString() + "|" + sel.GetText(), "102|HT-002");
-
-  // The cancel button: nothing chosen; the picker's own result is "0" and "".
-  EXPECT_EQ(ShowAnd(p, [](Dialog& d) { Do(d, "Cmd", Sel_HT::kCancel, {"click"}); }), "cancel:");
-  EXPECT_EQ(sel.GetValue().ToString() + "|" + sel.GetText(), "0|");
-
-  // The header row, and a list with no rows, choose "0" and "".
-  EXPECT_EQ(ShowAnd(p,
-                    [](Dialog& d) {
-                      Do(d, "Vs", -1, {.kind = "cell_click", .row = 0, .col = 1});
-                      Do(d, "Cmd", Sel_HT::kSelect, {"click"});
-                    }),
-            "0|");
-  EXPECT_EQ(ShowAnd(p,
-                    [](Dialog& d) {
-                      Do(d, "kvTxt", Sel_HT::kState, {"pick", "未生效"});
-                      Do(d, "Cmd", Sel_HT::kRefresh, {"click"});
-                      Do(d, "Cmd", Sel_HT::kSelect, {"click"});
-                    }),
-            "0|");
-}
-
 TEST_P(SelHTTest, ValidateFindsAContractByTheBeginningOfItsOwnOrItsUnitsNumber) {
   IHostPicker& p = Contracts(host(), -1);
   struct Case {
@@ -265,68 +227,6 @@ TEST_P(SelHTTest, ValidateFindsAContractByTheBeginningOfItsOwnOrItsUnitsNumber) 
   EXPECT_EQ(Validate(p, "B-202"), "|");
   EXPECT_EQ(Validate(p, "HT-003"), "103|HT-003");
   EXPECT_EQ(host().ui().shown.size(), 1u);  // the list only, no box
-}
-
-TEST_P(SelHTTest, TheSearchMovesOrFiltersAndItsSettingsAreKeptInTheLayoutFile) {
-  {
-    auto clerk = NewHost();
-    IHostPicker& p = Contracts(*clerk, -1);
-    Sel_HT& sel = Picker(p);
-    std::string chosen = ShowAnd(*clerk, p, [&](Dialog& d) {
-      // Moving: every row stays; the first hit is current and on top.
-      struct Move {
-        const char* text;
-        const char* current;
-      };
-      for (const Move& m : {Move{"o'k", "O'K-006"}, Move{"HARA", "HT-002"},
-                            Move{"东路1号102", "HT-003"}, Move{"2013-05", "HT-005"}}) {
-        Do(d, "SearchBox1", -1, {"type", m.text});
-        EXPECT_EQ(Shown(sel.Vs), kAllApproved) << m.text;
-        EXPECT_EQ(Current(sel.Vs), m.current) << m.text;
-        EXPECT_EQ(sel.Vs.TopRow(), sel.Vs.Row()) << m.text;
-      }
-      // Filtering: the rows without a hit are hidden, the first hit is current.
-      Do(d, "chkFilter", -1, {"toggle"});
-      Do(d, "SearchBox1", -1, {"type", "o'neil"});
-      EXPECT_EQ(Shown(sel.Vs), (Rows{"HT-002", "O'K-006"}));
-      EXPECT_EQ(Current(sel.Vs), "HT-002");
-      // The hidden key is not searched until its column is ticked.
-      Do(d, "SearchBox1", -1, {"type", "105"});
-      EXPECT_EQ(Shown(sel.Vs), Rows{});
-      Do(d, "SearchBox1", -1, {.kind = "toggle", .col = 0});
-      EXPECT_EQ(Shown(sel.Vs), Rows{"HT-005"});
-      // The telephone column not searched: the tenant's number no longer hits.
-      EXPECT_EQ(sel.SearchBox1.Columns[3].caption, "联系电话");
-      Do(d, "SearchBox1", -1, {.kind = "toggle", .col = 3});
-      Do(d, "SearchBox1", -1, {"type", "1380000"});
-      EXPECT_EQ(Shown(sel.Vs), Rows{});
-      Do(d, "SearchBox1", -1, {"clear"});
-      EXPECT_EQ(Shown(sel.Vs), kAllApproved);
-      Do(d, "SearchBox1", -1, {"type", "王建国"});
-      EXPECT_EQ(Shown(sel.Vs), (Rows{"HT-001", "HT-003"}));
-      Do(d, "Vs", -1, {.kind = "cell_click", .row = 3, .col = 1});
-      Do(d, "Cmd", Sel_HT::kSelect, {"click"});
-    });
-    EXPECT_EQ(chosen, "103|HT-003");
-  }  // the clerk's session ends: the picker writes its settings
-  std::ifstream in(app_path() + "/selfbb/Sel_HT.txt");
-  std::stringstream saved;
-  saved << in.rdbuf();
-  EXPECT_EQ(saved.str(),
-            "[Search]\nField0=1\nField1=1\nField2=1\nField3=0\nField4=1\nField5=1\nField6=1\n"
-            "Field7=1\nField8=1\nField9=1\nField10=1\nField11=1\nFilter=1\n");
-
-  // The next session reads them back and searches that way.
-  IHostPicker& p = Contracts(host(), -1);
-  Sel_HT& sel = Picker(p);
-  EXPECT_EQ(sel.chkFilter.Value, 1);
-  Rows rows;
-  ShowAnd(p, [&](Dialog& d) {
-    Do(d, "SearchBox1", -1, {"type", "106"});  // the key again, the telephone not
-    rows = Shown(sel.Vs);
-    ScriptedUi::CancelPicker()(d);
-  });
-  EXPECT_EQ(rows, Rows{"O'K-006"});
 }
 
 MRVK_ON_BOTH_ENGINES(SelHTTest);
