@@ -18,42 +18,11 @@ bool Found(IHostDatabase& db, const std::string& sql) { return Val(ScalarText(db
 
 }  // namespace
 
-bool FwHdStatusTool::Init(IHostContext& context, int32_t& progID, int32_t& record_id) {
-  context_ = &context;
-  prog_id_ = progID;
-  id_ = record_id;
-  return true;
-}
-
-bool FwHdStatusTool::Clear() {
-  context_ = nullptr;
-  return true;
-}
-
-bool FwHdStatusTool::Action(int32_t) {
-  if (!context_) return false;
-  IHostDatabase& db = context_->Database();
-  ReleaseOnExit release(db);
-  error_.clear();
-  try {
-    return Steps(db, SqlNumber(std::to_string(id_)));
-  } catch (const VbError& e) {
-    // The bracket, if it was open, has been rolled back on the way out of Steps.
-    ReportFailure(Say().failure, e.Description());
-    return false;
-  }
-}
-
 bool FwHdStatusTool::ReadFailed(IHostDatabase& db) {
   const std::string error = db.Error().Description();
   if (error.empty()) return false;
   ReportFailure(Say().failure, error);
   return true;
-}
-
-void FwHdStatusTool::ReportFailure(const std::string& prefix, const std::string& text) {
-  error_ = text;
-  MsgBox(prefix + text, msgbox::kCritical, kApplicationTitle);
 }
 
 bool FwHdStatusTool::Steps(IHostDatabase& db, const std::string& id) {

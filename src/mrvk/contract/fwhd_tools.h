@@ -7,26 +7,13 @@
 #include <memory>
 #include <string>
 
-#include "mrvk/frame/host_contract.h"
+#include "mrvk/frame/record_tool.h"
 
 namespace mrvk {
 
-// What the two tools share: the context, function key and contract ID from Init, the error
-// object, and an Action that runs the tool's guards, then writes the state in one bracket.
-class FwHdStatusTool : public ModuleObject, public IToolUI {
- public:
-  // The tool keeps no parameters: a written collection is dropped.
-  void SetParameters(std::shared_ptr<IParameters>) override {}
-  bool Init(IHostContext& context, int32_t& progID, int32_t& record_id) override;
-  bool Clear() override;
-  std::string Author() override { return ""; }
-  std::string Version() override { return ""; }
-  std::string FriendlyName() override { return ""; }
-  std::string Description() override { return ""; }
-  // True only when the contract's state was written.
-  bool Action(int32_t action) override;
-  std::string Error() override { return error_; }
-
+// What the two tools share beside the record tool's frame: guards, then the state written
+// in one bracket with the rental state.
+class FwHdStatusTool : public RecordTool {
  protected:
   // The tool's words: the state it writes, the prefix of a failed write, the box of success.
   struct Words {
@@ -44,17 +31,10 @@ class FwHdStatusTool : public ModuleObject, public IToolUI {
   bool ReadFailed(IHostDatabase& db);
 
  private:
-  // The box of a failure: prefix + the database's or run time's text, kept in the error
-  // object.
-  void ReportFailure(const std::string& prefix, const std::string& text);
+  std::string FailurePrefix() const override { return Say().failure; }
   // The steps of both tools on the contract ID as SQL: the refusals, the unit and room, then
   // the state and the rental state in one bracket.
-  bool Steps(IHostDatabase& db, const std::string& id);
-
-  IHostContext* context_ = nullptr;
-  int32_t prog_id_ = 0;
-  int32_t id_ = 0;
-  std::string error_;
+  bool Steps(IHostDatabase& db, const std::string& id) override;
 };
 
 class cFwHd_finish : public FwHdStatusTool {

@@ -6,39 +6,6 @@
 
 namespace mrvk {
 
-bool FwFyValidityTool::Init(IHostContext& context, int32_t& progID, int32_t& record_id) {
-  context_ = &context;
-  prog_id_ = progID;
-  id_ = record_id;
-  return true;
-}
-
-bool FwFyValidityTool::Clear() {
-  context_ = nullptr;
-  return true;
-}
-
-bool FwFyValidityTool::Action(int32_t) {
-  if (!context_) return false;
-  IHostDatabase& db = context_->Database();
-  // One statement writes, so no bracket is opened; the connection is released on every way
-  // out.
-  ReleaseOnExit release(db);
-  error_.clear();
-  try {
-    return Steps(db, std::to_string(id_));
-  } catch (const VbError& e) {
-    error_ = e.Description();
-    MsgBox("设置失效出错::" + error_, msgbox::kCritical, kApplicationTitle);
-    return false;
-  }
-}
-
-void FwFyValidityTool::ReportFailure(const std::string& prefix, const std::string& text) {
-  error_ = text;
-  MsgBox(prefix + text, msgbox::kCritical, kApplicationTitle);
-}
-
 bool cFwFy_finish::Steps(IHostDatabase& db, const std::string& id) {
   // A contract in force on the unit must be ended first.
   if (Val(ScalarText(db,

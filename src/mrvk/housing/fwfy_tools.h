@@ -6,38 +6,15 @@
 #include <memory>
 #include <string>
 
-#include "mrvk/frame/host_contract.h"
+#include "mrvk/frame/record_tool.h"
 
 namespace mrvk {
 
-// What the two tools share: the context, function key and unit ID from Init, the error
-// object, and an Action that runs the tool's steps, reports a run-time failure in a box and
-// releases the connection.
-class FwFyValidityTool : public ModuleObject, public IToolUI {
- public:
-  // The tool keeps no parameters: a written collection is dropped.
-  void SetParameters(std::shared_ptr<IParameters>) override {}
-  bool Init(IHostContext& context, int32_t& progID, int32_t& record_id) override;
-  bool Clear() override;
-  std::string Author() override { return ""; }
-  std::string Version() override { return ""; }
-  std::string FriendlyName() override { return ""; }
-  std::string Description() override { return ""; }
-  // True only when the unit's state was written.
-  bool Action(int32_t action) override;
-  std::string Error() override { return error_; }
-
+// What the two tools share beside the record tool's frame: a run-time failure reads
+// "设置失效出错::" in both.
+class FwFyValidityTool : public RecordTool {
  protected:
-  // The tool's steps on db for the unit ID; true when the state was written.
-  virtual bool Steps(IHostDatabase& db, const std::string& id) = 0;
-  // The box of a failed write: prefix + the database's text, which the error object keeps.
-  void ReportFailure(const std::string& prefix, const std::string& text);
-
- private:
-  IHostContext* context_ = nullptr;
-  int32_t prog_id_ = 0;
-  int32_t id_ = 0;
-  std::string error_;
+  std::string FailurePrefix() const override { return "设置失效出错::"; }
 };
 
 class cFwFy_finish : public FwFyValidityTool {
